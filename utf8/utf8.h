@@ -54,8 +54,9 @@ std::string realPath(const std::string& path);
 // base names a directory when baseIsDirectory is true, otherwise a file whose
 // directory is used.
 std::string absolutePath(const std::string& path, const std::string& base, bool baseIsDirectory);
-// Without a codec: repeated and trailing separators are ignored, and a path
-// equal to its base gives ".".
+// Without a codec: repeated and trailing separators are ignored, a path equal
+// to its base gives ".", and every step up is written "../" (so an ancestor of
+// the base gives "../../" with its trailing slash).
 std::string relativePath(const std::string& path, const std::string& base, bool baseIsDirectory);
 
 std::string toLower(const std::string& text);
