@@ -1,0 +1,333 @@
+#include "controlclient.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <locale>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sstream>
+#include <string_view>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <json/reader.h>
+#include <json/writer.h>
+
+#include "paramjson.h"
+
+namespace {
+
+constexpr std::size_t ReadBlock = 4096;
+constexpr int KeepAliveIdleSeconds = 60;
+
+} // namespace
+
+ControlClient::ControlClient() = default;
+
+ControlClient::~ControlClient()
+{
+    disconnect();
+}
+
+bool ControlClient::init()
+{
+    m_initialized = true;
+    return true;
+}
+
+bool ControlClient::connect(const std::string& address, int port)
+{
+    if (m_socket != -1)
+        disconnect();
+
+    std::string host = address;
+    const std::string::size_type colon = host.find(':');
+    if (colon != std::string::npos) {
+        port = std::atoi(host.c_str() + colon + 1);
+        host.erase(colon);
+    }
+
+    std::ostringstream portText;
+    portText.imbue(std::locale::classic());
+    portText << port;
+    const std::string service = portText.str();
+
+    addrinfo hints {};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* addresses = nullptr;
+    const int resolved = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &addresses);
+    if (resolved != 0) {
+        std::wcout << ::gai_strerror(resolved) << std::endl;
+        return false;
+    }
+
+    for (const addrinfo* entry = addresses; entry; entry = entry->ai_next) {
+        const int fd = ::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC, entry->ai_protocol);
+        if (fd == -1)
+            continue;
+        if (::connect(fd, entry->ai_addr, entry->ai_addrlen) != 0) {
+            ::close(fd);
+            m_socket = -1;
+            continue;
+        }
+        m_socket = fd;
+
+        char numericHost[1025];
+        char numericService[32];
+        if (::getnameinfo(entry->ai_addr, entry->ai_addrlen, numericHost, sizeof(numericHost), numericService,
+                sizeof(numericService), NI_NUMERICHOST | NI_NUMERICSERV)
+            == 0)
+            std::cout << "connected to " << numericHost << ":" << numericService << std::endl;
+        else
+            std::cout << "connected to " << address << ":" << service << std::endl;
+        break;
+    }
+    ::freeaddrinfo(addresses);
+
+    if (m_socket == -1) {
+        std::cout << "can't connect to " << address << ":" << service << std::endl;
+        return false;
+    }
+
+    const int on = 1;
+    ::setsockopt(m_socket, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof(on));
+    ::setsockopt(m_socket, IPPROTO_TCP, TCP_KEEPIDLE, &KeepAliveIdleSeconds, sizeof(KeepAliveIdleSeconds));
+
+    m_peerName = host + ":" + service;
+    m_receiveBuffer.clear();
+    return true;
+}
+
+void ControlClient::disconnect()
+{
+    if (m_socket == -1)
+        return;
+    ::close(m_socket);
+    m_socket = -1;
+    m_receiveBuffer.clear();
+    std::cout << "disconnected from server" << std::endl;
+}
+
+bool ControlClient::send(const Json::Value& message)
+{
+    if (m_socket == -1)
+        return false;
+    if (message.empty())
+        return false;
+
+    Json::FastWriter writer;
+    const std::string text = writer.write(message);
+
+    // One send for the whole line; a short write counts as a lost connection.
+    // MSG_NOSIGNAL: a vanished server must not raise SIGPIPE.
+    const ssize_t sent = ::send(m_socket, text.data(), text.size(), MSG_NOSIGNAL);
+    if (sent < 0 || static_cast<std::size_t>(sent) != text.size()) {
+        disconnect();
+        return false;
+    }
+
+    if (m_logTraffic)
+        std::cout << "[-> " << m_peerName << "] " << text << std::flush;
+    return true;
+}
+
+Json::Value ControlClient::receive(int timeoutMs)
+{
+    if (m_socket == -1)
+        return {};
+
+    // The wait is made even when a whole line is already buffered.
+    if (timeoutMs != -1) {
+        if (timeoutMs < 0)
+            return {}; // refused by the wait, as an invalid time-out
+        pollfd descriptor {m_socket, POLLIN, 0};
+        if (::poll(&descriptor, 1, timeoutMs) < 1)
+            return {};
+    }
+
+    std::size_t searched = 0;
+    for (;;) {
+        const char* start = m_receiveBuffer.data();
+        const std::size_t available = m_receiveBuffer.size();
+        const void* found
+            = available > searched ? std::memchr(start + searched, '\n', available - searched) : nullptr;
+        if (!found) {
+            // Only the bytes of the new read are searched next time round.
+            searched = available;
+            char* space = m_receiveBuffer.reserve(ReadBlock);
+            const ssize_t received = ::recv(m_socket, space, ReadBlock, 0);
+            if (received < 1) {
+                disconnect();
+                return {};
+            }
+            m_receiveBuffer.commit(static_cast<std::size_t>(received));
+            continue;
+        }
+
+        const std::size_t length = static_cast<const char*>(found) - start;
+        const std::string_view text(start, length);
+        if (m_logTraffic)
+            std::cout << "[<- " << m_peerName << "] " << text << std::endl;
+
+        // The bytes stay readable after consume() until the buffer is next grown.
+        m_receiveBuffer.consume(length + 1);
+        searched = 0;
+
+        Json::Reader reader;
+        Json::Value message;
+        if (reader.parse(text.data(), text.data() + text.size(), message, true))
+            return message;
+        std::cout << reader.getFormattedErrorMessages() << ": " << text << std::endl;
+    }
+}
+
+Json::Value ControlClient::request(const char* method, Json::Value params, bool withParams)
+{
+    Json::Value envelope(Json::objectValue);
+    envelope["method"] = method;
+    if (withParams)
+        envelope["params"] = std::move(params);
+    envelope["id"] = m_nextId;
+    // Wraps as a signed 32-bit counter, without the overflow.
+    m_nextId = static_cast<int>(static_cast<unsigned>(m_nextId) + 1u);
+
+    send(envelope);
+    Json::Value reply = receive(-1);
+    if (reply.empty())
+        return {};
+    return std::move(reply["result"]);
+}
+
+bool ControlClient::simpleRequest(const char* method, const char* idKey, std::uint32_t id)
+{
+    Json::Value params(Json::objectValue);
+    params[idKey] = id;
+    return !request(method, std::move(params), true).isNull();
+}
+
+bool ControlClient::listBatches(BatchList& out)
+{
+    const Json::Value result = request("listBatches", {}, false);
+    if (result.isNull())
+        return false;
+    parseBatchList(result, out);
+    return true;
+}
+
+bool ControlClient::listNodes(NodeList& out)
+{
+    const Json::Value result = request("listNodes", {}, false);
+    if (result.isNull())
+        return false;
+    parseNodeList(result, out);
+    return true;
+}
+
+bool ControlClient::getBatchStatus(std::uint32_t batchId, BatchStatus& out)
+{
+    Json::Value params(Json::objectValue);
+    params["batch_id"] = batchId;
+    const Json::Value result = request("getBatchStatus", std::move(params), true);
+    if (result.isNull())
+        return false;
+    parseBatchStatus(result, out);
+    return true;
+}
+
+bool ControlClient::pauseBatch(std::uint32_t batchId)
+{
+    return simpleRequest("pauseBatch", "batch_id", batchId);
+}
+
+bool ControlClient::resumeBatch(std::uint32_t batchId)
+{
+    return simpleRequest("resumeBatch", "batch_id", batchId);
+}
+
+bool ControlClient::abortBatch(std::uint32_t batchId)
+{
+    return simpleRequest("abortBatch", "batch_id", batchId);
+}
+
+bool ControlClient::pauseNode(std::uint32_t nodeId)
+{
+    return simpleRequest("pauseNode", "node_id", nodeId);
+}
+
+bool ControlClient::resumeNode(std::uint32_t nodeId)
+{
+    return simpleRequest("resumeNode", "node_id", nodeId);
+}
+
+bool ControlClient::abortNode(std::uint32_t nodeId)
+{
+    return simpleRequest("abortNode", "node_id", nodeId);
+}
+
+bool ControlClient::setBatchPriority(std::uint32_t batchId, int priority)
+{
+    Json::Value params(Json::objectValue);
+    params["batch_id"] = batchId;
+    params["priority"] = priority;
+    return !request("setBatchPriority", std::move(params), true).isNull();
+}
+
+bool ControlClient::setNodePriority(std::uint32_t nodeId, int priority)
+{
+    Json::Value params(Json::objectValue);
+    params["node_id"] = nodeId;
+    params["priority"] = priority;
+    return !request("setNodePriority", std::move(params), true).isNull();
+}
+
+std::uint32_t ControlClient::createBatch(const std::string& path, const std::vector<TaskRequest>& tasks)
+{
+    Json::Value taskArray(Json::arrayValue);
+    for (const TaskRequest& task : tasks) {
+        Json::Value object(Json::objectValue);
+        object["name"] = task.name;
+        object["params"] = paramsToJson(task.params);
+        if (!task.chunks.empty()) {
+            Json::Value chunks(Json::arrayValue);
+            for (int chunk : task.chunks)
+                chunks.append(chunk);
+            object["chunks"] = std::move(chunks);
+        }
+        if (!task.frames.empty()) {
+            Json::Value frames(Json::arrayValue);
+            for (const auto& [key, numbers] : task.frames) {
+                for (std::uint32_t frame : numbers) {
+                    Json::Value pair(Json::arrayValue);
+                    pair.append(key);
+                    pair.append(frame);
+                    frames.append(std::move(pair));
+                }
+            }
+            object["frames"] = std::move(frames);
+        }
+        taskArray.append(std::move(object));
+    }
+
+    Json::Value params(Json::objectValue);
+    params["path"] = path;
+    params["tasks"] = std::move(taskArray);
+    const Json::Value result = request("createBatch", std::move(params), true);
+    if (result.isNull())
+        return NoId;
+    return result.asUInt();
+}
+
+std::uint32_t ControlClient::findBatch(const std::string& path)
+{
+    Json::Value params(Json::objectValue);
+    params["path"] = path;
+    const Json::Value result = request("findBatch", std::move(params), true);
+    if (result.isNull())
+        return NoId;
+    return result.asUInt();
+}

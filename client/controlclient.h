@@ -1,0 +1,166 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <json/value.h>
+
+#include "paramvalue.h"
+#include "receivebuffer.h"
+
+// Client side of the server's control protocol: one TCP connection, one
+// compact JSON object per line in each direction, strictly one request and
+// then one reply. Replies are not matched by id; whatever line comes next is
+// the answer. Failures come back as result values (false, null, or the id
+// NoId); the only exceptions are jsoncpp's own conversion errors for members
+// of the wrong type, which pass through untouched.
+//
+// Console lines (connect, disconnect, parse errors) go to std::cout, the text
+// of a failed name lookup to std::wcout. Not thread-safe: one thread owns it.
+class ControlClient final
+{
+public:
+    static constexpr std::uint32_t NoId = 0xFFFFFFFFu;
+
+    enum Status
+    {
+        Pending = 0,
+        InProgress = 1,
+        Completed = 2,
+        Paused = 3,
+        Aborted = 4,
+        Ready = 5,
+    };
+
+    struct TaskInfo
+    {
+        std::string name;
+        ParamMap params;
+        Status status = Pending;
+        double progress = 0.0;
+        double timeElapsed = 0.0;
+        double timeLeft = 0.0;
+        int itemsTotal = 0;
+        int itemsDone = 0;
+        int nodesFailed = 0;
+        int nodesWaiting = 0;
+        int nodesActive = 0;
+    };
+
+    struct BatchInfo
+    {
+        std::uint32_t batchId = 0;
+        std::string path;
+        Status status = Pending;
+        int priority = 0;
+        std::uint32_t timeStarted = 0;
+        TaskInfo task;
+    };
+    using BatchList = std::vector<BatchInfo>;
+
+    struct NodeError
+    {
+        std::uint32_t time = 0;
+        std::uint32_t batchId = NoId;
+        std::string message;
+    };
+
+    struct NodeInfo
+    {
+        std::string hostname;
+        std::uint32_t nodeId = 0;
+        std::string version;
+        Status status = Pending;
+        int priority = 0;
+        std::uint32_t batchId = NoId;
+        double progress = 0.0;
+        std::string taskName;
+        ParamMap taskParams;
+        std::uint32_t errorCount = 0;
+        NodeError lastError;
+    };
+    using NodeList = std::vector<NodeInfo>;
+
+    struct BatchError
+    {
+        std::uint32_t time = 0;
+        std::uint32_t nodeId = NoId;
+        std::string message;
+    };
+
+    struct BatchStatus
+    {
+        std::string path;
+        Status status = Pending;
+        int priority = 0;
+        std::vector<TaskInfo> tasks;
+        BatchError lastError;
+    };
+
+    // A task as "createBatch" sends it: the reply records carry no chunks or frames.
+    struct TaskRequest
+    {
+        std::string name;
+        ParamMap params;
+        std::set<int> chunks;
+        std::map<std::uint32_t, std::set<std::uint32_t>> frames;
+    };
+
+    ControlClient();
+    ~ControlClient();
+    ControlClient(const ControlClient&) = delete;
+    ControlClient& operator=(const ControlClient&) = delete;
+    ControlClient(ControlClient&&) = delete;
+    ControlClient& operator=(ControlClient&&) = delete;
+
+    bool init();
+
+    // A ":" in address splits it: the text after the first one replaces port.
+    bool connect(const std::string& address, int port);
+    void disconnect();
+    bool isConnected() const { return m_socket != -1; }
+
+    bool send(const Json::Value& message);
+    // -1 waits without limit. A time-out limits only the wait for the first
+    // bytes; once reading has begun it blocks until the line is complete.
+    Json::Value receive(int timeoutMs);
+
+    bool listBatches(BatchList& out);
+    bool listNodes(NodeList& out);
+    bool getBatchStatus(std::uint32_t batchId, BatchStatus& out);
+    bool pauseBatch(std::uint32_t batchId);
+    bool resumeBatch(std::uint32_t batchId);
+    bool abortBatch(std::uint32_t batchId);
+    bool pauseNode(std::uint32_t nodeId);
+    bool resumeNode(std::uint32_t nodeId);
+    bool abortNode(std::uint32_t nodeId);
+    bool setBatchPriority(std::uint32_t batchId, int priority);
+    bool setNodePriority(std::uint32_t nodeId, int priority);
+    std::uint32_t createBatch(const std::string& path, const std::vector<TaskRequest>& tasks);
+    std::uint32_t findBatch(const std::string& path);
+
+    // Record readers (controlclientrecords.cpp). Missing members take their
+    // defaults; members of the wrong JSON type raise jsoncpp's exception.
+    static Status statusFromJson(const Json::Value& value);
+    static Json::Value statusToJson(int status);
+    static void parseTaskInfo(const Json::Value& object, TaskInfo& out);
+    static void parseBatchInfo(const Json::Value& object, BatchInfo& out);
+    static void parseNodeInfo(const Json::Value& object, NodeInfo& out);
+    static void parseBatchStatus(const Json::Value& object, BatchStatus& out);
+    static void parseBatchList(const Json::Value& array, BatchList& out);
+    static void parseNodeList(const Json::Value& array, NodeList& out);
+
+private:
+    Json::Value request(const char* method, Json::Value params, bool withParams);
+    bool simpleRequest(const char* method, const char* idKey, std::uint32_t id);
+
+    int m_socket = -1;
+    std::string m_peerName;
+    bool m_initialized = false;
+    bool m_logTraffic = false;
+    ReceiveBuffer m_receiveBuffer;
+    int m_nextId = 0;
+};
