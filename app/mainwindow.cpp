@@ -1,0 +1,98 @@
+#include "mainwindow.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSettings>
+#include <QStatusBar>
+
+#include "aboutdialog.h"
+
+MainWindow::MainWindow()
+    : QMainWindow(nullptr)
+{
+    setWindowTitle(QStringLiteral("Korvane Network Monitor"));
+    applyStyleSheet();
+
+    monitor = new QWidget(this);
+    setCentralWidget(monitor);
+    resize(900, 640);
+
+    exitAction = new QAction(this);
+    exitAction->setShortcuts(QKeySequence::Quit);
+    connect(exitAction, &QAction::triggered, this, &QWidget::close);
+
+    aboutAction = new QAction(this);
+    connect(aboutAction, &QAction::triggered, this, &MainWindow::onHelpAbout);
+
+    fileMenu = new QMenu(this);
+    fileMenu->addAction(exitAction);
+    menuBar()->addMenu(fileMenu);
+
+    helpMenu = new QMenu(this);
+    helpMenu->addAction(aboutAction);
+    menuBar()->addMenu(helpMenu);
+
+    readSettings();
+    retranslateUi();
+}
+
+MainWindow::~MainWindow() = default;
+
+const char* MainWindow::styleSheetText()
+{
+    return "QMainWindow::separator\t\t\t{ border: 0px; width: 2px; height: 2px; }"
+           "QSplitter::handle:horizontal\t{ width: 2px; }"
+           "QSplitter::handle:vertical\t\t{ height: 2px; }"
+           "QSplitter::handle\t\t\t\t{ image: none; }";
+}
+
+void MainWindow::onHelpAbout()
+{
+    AboutDialog dialog(this);
+    dialog.exec();
+}
+
+void MainWindow::retranslateUi()
+{
+    fileMenu->setTitle(tr("&File"));
+    helpMenu->setTitle(tr("&Help"));
+    exitAction->setText(tr("E&xit"));
+    aboutAction->setText(tr("About Monitor..."));
+    exitAction->setStatusTip(tr("Exit the application"));
+    aboutAction->setStatusTip(tr("Display program information, version number and copyright"));
+    statusBar()->showMessage(tr("Ready"), 0);
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslateUi();
+    QWidget::changeEvent(event);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    writeSettings();
+    QWidget::closeEvent(event);
+}
+
+void MainWindow::readSettings()
+{
+    QSettings settings;
+    restoreGeometry(settings.value(QStringLiteral("geometry"), QVariant()).toByteArray());
+    restoreState(settings.value(QStringLiteral("windowState"), QVariant()).toByteArray(), 0);
+}
+
+void MainWindow::writeSettings()
+{
+    QSettings settings;
+    settings.setValue(QStringLiteral("geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("windowState"), saveState(0));
+}
+
+void MainWindow::applyStyleSheet()
+{
+    setStyleSheet(QString::fromLatin1(styleSheetText()));
+}

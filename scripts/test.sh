@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Fresh machine to green: installs what is missing, builds, runs every test,
+# then builds again with AddressSanitizer and UndefinedBehaviorSanitizer and
+# runs every test once more.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/setup.sh
+
+bash scripts/build.sh build
+ctest --test-dir build --output-on-failure -j2
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0
+export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=address,undefined
+ctest --test-dir build-asan --output-on-failure -j2
