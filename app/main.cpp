@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 
 #include "application.h"
+#include "crashreporter.h"
 #include "mainwindow.h"
 #include "qtutf8codec.h"
 #include "utf8.h"
@@ -10,10 +11,20 @@
 
 int main(int argc, char** argv)
 {
+    CrashReporter crashReporter;
     QtUtf8Codec codec;
     utf8::setCodec(&codec);
 
     Application app(argc, argv);
+
+    const QStringList arguments = QCoreApplication::arguments();
+    const QByteArray programPath = arguments.isEmpty() ? QByteArray() : arguments.first().toUtf8();
+    CrashReporter::setVendor("Korvane");
+    CrashReporter::setProductName("Monitor");
+    CrashReporter::setVersion(Version::Major, Version::Minor, Version::Release, Version::Build);
+    CrashReporter::setServerUrl("https://crash-reports.korvane.com/submit");
+    CrashReporter::setApplicationPath(programPath.constData());
+    CrashReporter::install();
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
