@@ -47,4 +47,330 @@
         <translation>Bereit</translation>
     </message>
 </context>
+<context>
+    <name>Monitor</name>
+    <message>
+        <source>Add Photos</source>
+        <translation>Fotos hinzufügen</translation>
+    </message>
+    <message>
+        <source>Align Photos</source>
+        <translation>Fotos ausrichten</translation>
+    </message>
+    <message>
+        <source>Align Chunks</source>
+        <translation>Chunks ausrichten</translation>
+    </message>
+    <message>
+        <source>Analyze Photos</source>
+        <translation>Fotos analysieren</translation>
+    </message>
+    <message>
+        <source>Build Contours</source>
+        <translation>Höhenlinien erstellen</translation>
+    </message>
+    <message>
+        <source>Build DEM</source>
+        <translation>DEM erstellen</translation>
+    </message>
+    <message>
+        <source>Build Dense Cloud</source>
+        <translation>Dichte Punktwolke erstellen</translation>
+    </message>
+    <message>
+        <source>Build Mesh</source>
+        <translation>Mesh erstellen</translation>
+    </message>
+    <message>
+        <source>Build Orthomosaic</source>
+        <translation>Orthomosaik erstellen</translation>
+    </message>
+    <message>
+        <source>Build Texture</source>
+        <translation>Textur erstellen</translation>
+    </message>
+    <message>
+        <source>Build Tiled Model</source>
+        <translation>Gekacheltes Modell erstellen</translation>
+    </message>
+    <message>
+        <source>Build UV</source>
+        <translation>UV erstellen</translation>
+    </message>
+    <message>
+        <source>Classify Ground Points</source>
+        <translation>Bodenpunkte klassifizieren</translation>
+    </message>
+    <message>
+        <source>Close Holes</source>
+        <translation>Löcher schließen</translation>
+    </message>
+    <message>
+        <source>Compact Dense Cloud</source>
+        <translation>Dichte Punktwolke verdichten</translation>
+    </message>
+    <message>
+        <source>Decimate Mesh</source>
+        <translation>Mesh vereinfachen</translation>
+    </message>
+    <message>
+        <source>Detect Markers</source>
+        <translation>Marker erkennen</translation>
+    </message>
+    <message>
+        <source>Duplicate Chunk</source>
+        <translation>Chunk duplizieren</translation>
+    </message>
+    <message>
+        <source>Export Cameras</source>
+        <translation>Kameras exportieren</translation>
+    </message>
+    <message>
+        <source>Export Contours</source>
+        <translation>Höhenlinien exportieren</translation>
+    </message>
+    <message>
+        <source>Export DEM</source>
+        <translation>DEM exportieren</translation>
+    </message>
+    <message>
+        <source>Export Depth Map</source>
+        <translation>Tiefenkarte exportieren</translation>
+    </message>
+    <message>
+        <source>Export Masks</source>
+        <translation>Masken exportieren</translation>
+    </message>
+    <message>
+        <source>Export Matches</source>
+        <translation>Übereinstimmungen exportieren</translation>
+    </message>
+    <message>
+        <source>Export Model</source>
+        <translation>Modell exportieren</translation>
+    </message>
+    <message>
+        <source>Export Orthomosaic</source>
+        <translation>Orthomosaik exportieren</translation>
+    </message>
+    <message>
+        <source>Export Orthophotos</source>
+        <translation>Orthofotos exportieren</translation>
+    </message>
+    <message>
+        <source>Export Panorama</source>
+        <translation>Panorama exportieren</translation>
+    </message>
+    <message>
+        <source>Export Points</source>
+        <translation>Punkte exportieren</translation>
+    </message>
+    <message>
+        <source>Export Report</source>
+        <translation>Bericht exportieren</translation>
+    </message>
+    <message>
+        <source>Export Shapes</source>
+        <translation>Formen exportieren</translation>
+    </message>
+    <message>
+        <source>Export Texture</source>
+        <translation>Textur exportieren</translation>
+    </message>
+    <message>
+        <source>Export Tiled Model</source>
+        <translation>Gekacheltes Modell exportieren</translation>
+    </message>
+    <message>
+        <source>Import Cameras</source>
+        <translation>Kameras importieren</translation>
+    </message>
+    <message>
+        <source>Import Dem</source>
+        <translation>Dem importieren</translation>
+    </message>
+    <message>
+        <source>Import Masks</source>
+        <translation>Masken importieren</translation>
+    </message>
+    <message>
+        <source>Import Model</source>
+        <translation>Modell importieren</translation>
+    </message>
+    <message>
+        <source>Import Shapes</source>
+        <translation>Formen importieren</translation>
+    </message>
+    <message>
+        <source>Invert Masks</source>
+        <translation>Masken invertieren</translation>
+    </message>
+    <message>
+        <source>Load Project</source>
+        <translation>Projekt laden</translation>
+    </message>
+    <message>
+        <source>Match Photos</source>
+        <translation>Fotos abgleichen</translation>
+    </message>
+    <message>
+        <source>Merge Chunks</source>
+        <translation>Chunks zusammenführen</translation>
+    </message>
+    <message>
+        <source>Optimize Alignment</source>
+        <translation>Ausrichtung optimieren</translation>
+    </message>
+    <message>
+        <source>Refine Markers</source>
+        <translation>Marker verfeinern</translation>
+    </message>
+    <message>
+        <source>Refine Points</source>
+        <translation>Punkte verfeinern</translation>
+    </message>
+    <message>
+        <source>Reset Masks</source>
+        <translation>Masken zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Reset Orthomosaic</source>
+        <translation>Orthomosaik zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Run Script</source>
+        <translation>Skript ausführen</translation>
+    </message>
+    <message>
+        <source>Save Project</source>
+        <translation>Projekt speichern</translation>
+    </message>
+    <message>
+        <source>Select Dense Points</source>
+        <translation>Dichte Punkte auswählen</translation>
+    </message>
+    <message>
+        <source>Smooth Model</source>
+        <translation>Modell glätten</translation>
+    </message>
+    <message>
+        <source>Track Markers</source>
+        <translation>Marker verfolgen</translation>
+    </message>
+    <message>
+        <source>Triangulate Points</source>
+        <translation>Punkte triangulieren</translation>
+    </message>
+    <message>
+        <source>Undistort Photos</source>
+        <translation>Fotos entzerren</translation>
+    </message>
+    <message>
+        <source>Update Orthomosaic</source>
+        <translation>Orthomosaik aktualisieren</translation>
+    </message>
+    <message>
+        <source>Highest</source>
+        <translation>Höchste</translation>
+    </message>
+    <message>
+        <source>High</source>
+        <translation>Hoch</translation>
+    </message>
+    <message>
+        <source>Normal</source>
+        <translation>Normal</translation>
+    </message>
+    <message>
+        <source>Low</source>
+        <translation>Niedrig</translation>
+    </message>
+    <message>
+        <source>Lowest</source>
+        <translation>Niedrigste</translation>
+    </message>
+    <message>
+        <source>#</source>
+        <translation>#</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>Projekt</translation>
+    </message>
+    <message>
+        <source>Started</source>
+        <translation>Gestartet</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Priority</source>
+        <translation>Priorität</translation>
+    </message>
+    <message>
+        <source>Current Task</source>
+        <translation>Aktuelle Aufgabe</translation>
+    </message>
+    <message>
+        <source>Elapsed / Left</source>
+        <translation>Vergangen / Verbleibend</translation>
+    </message>
+    <message>
+        <source>Failures</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>Nodes</source>
+        <translation>Knoten</translation>
+    </message>
+    <message>
+        <source>Host</source>
+        <translation>Host</translation>
+    </message>
+    <message>
+        <source>Batch #</source>
+        <translation>Stapel #</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Fortschritt</translation>
+    </message>
+    <message>
+        <source>Last Error</source>
+        <translation>Letzter Fehler</translation>
+    </message>
+    <message>
+        <source>Waiting...</source>
+        <translation>Wartet...</translation>
+    </message>
+</context>
+<context>
+    <name>TaskStatusWidget</name>
+    <message>
+        <source>%1/%2 completed</source>
+        <translation>%1/%2 abgeschlossen</translation>
+    </message>
+    <message>
+        <source>%1/%2 nodes active</source>
+        <translation>%1/%2 Knoten aktiv</translation>
+    </message>
+    <message>
+        <source>%1 failures</source>
+        <translation>%1 Fehler</translation>
+    </message>
+    <message>
+        <source>Waiting...</source>
+        <translation>Wartet...</translation>
+    </message>
+    <message>
+        <source>elapsed</source>
+        <translation>vergangen</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>verbleibend</translation>
+    </message>
+</context>
 </TS>

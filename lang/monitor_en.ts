@@ -47,4 +47,330 @@
         <translation>Ready</translation>
     </message>
 </context>
+<context>
+    <name>Monitor</name>
+    <message>
+        <source>Add Photos</source>
+        <translation>Add Photos</translation>
+    </message>
+    <message>
+        <source>Align Photos</source>
+        <translation>Align Photos</translation>
+    </message>
+    <message>
+        <source>Align Chunks</source>
+        <translation>Align Chunks</translation>
+    </message>
+    <message>
+        <source>Analyze Photos</source>
+        <translation>Analyze Photos</translation>
+    </message>
+    <message>
+        <source>Build Contours</source>
+        <translation>Build Contours</translation>
+    </message>
+    <message>
+        <source>Build DEM</source>
+        <translation>Build DEM</translation>
+    </message>
+    <message>
+        <source>Build Dense Cloud</source>
+        <translation>Build Dense Cloud</translation>
+    </message>
+    <message>
+        <source>Build Mesh</source>
+        <translation>Build Mesh</translation>
+    </message>
+    <message>
+        <source>Build Orthomosaic</source>
+        <translation>Build Orthomosaic</translation>
+    </message>
+    <message>
+        <source>Build Texture</source>
+        <translation>Build Texture</translation>
+    </message>
+    <message>
+        <source>Build Tiled Model</source>
+        <translation>Build Tiled Model</translation>
+    </message>
+    <message>
+        <source>Build UV</source>
+        <translation>Build UV</translation>
+    </message>
+    <message>
+        <source>Classify Ground Points</source>
+        <translation>Classify Ground Points</translation>
+    </message>
+    <message>
+        <source>Close Holes</source>
+        <translation>Close Holes</translation>
+    </message>
+    <message>
+        <source>Compact Dense Cloud</source>
+        <translation>Compact Dense Cloud</translation>
+    </message>
+    <message>
+        <source>Decimate Mesh</source>
+        <translation>Decimate Mesh</translation>
+    </message>
+    <message>
+        <source>Detect Markers</source>
+        <translation>Detect Markers</translation>
+    </message>
+    <message>
+        <source>Duplicate Chunk</source>
+        <translation>Duplicate Chunk</translation>
+    </message>
+    <message>
+        <source>Export Cameras</source>
+        <translation>Export Cameras</translation>
+    </message>
+    <message>
+        <source>Export Contours</source>
+        <translation>Export Contours</translation>
+    </message>
+    <message>
+        <source>Export DEM</source>
+        <translation>Export DEM</translation>
+    </message>
+    <message>
+        <source>Export Depth Map</source>
+        <translation>Export Depth Map</translation>
+    </message>
+    <message>
+        <source>Export Masks</source>
+        <translation>Export Masks</translation>
+    </message>
+    <message>
+        <source>Export Matches</source>
+        <translation>Export Matches</translation>
+    </message>
+    <message>
+        <source>Export Model</source>
+        <translation>Export Model</translation>
+    </message>
+    <message>
+        <source>Export Orthomosaic</source>
+        <translation>Export Orthomosaic</translation>
+    </message>
+    <message>
+        <source>Export Orthophotos</source>
+        <translation>Export Orthophotos</translation>
+    </message>
+    <message>
+        <source>Export Panorama</source>
+        <translation>Export Panorama</translation>
+    </message>
+    <message>
+        <source>Export Points</source>
+        <translation>Export Points</translation>
+    </message>
+    <message>
+        <source>Export Report</source>
+        <translation>Export Report</translation>
+    </message>
+    <message>
+        <source>Export Shapes</source>
+        <translation>Export Shapes</translation>
+    </message>
+    <message>
+        <source>Export Texture</source>
+        <translation>Export Texture</translation>
+    </message>
+    <message>
+        <source>Export Tiled Model</source>
+        <translation>Export Tiled Model</translation>
+    </message>
+    <message>
+        <source>Import Cameras</source>
+        <translation>Import Cameras</translation>
+    </message>
+    <message>
+        <source>Import Dem</source>
+        <translation>Import Dem</translation>
+    </message>
+    <message>
+        <source>Import Masks</source>
+        <translation>Import Masks</translation>
+    </message>
+    <message>
+        <source>Import Model</source>
+        <translation>Import Model</translation>
+    </message>
+    <message>
+        <source>Import Shapes</source>
+        <translation>Import Shapes</translation>
+    </message>
+    <message>
+        <source>Invert Masks</source>
+        <translation>Invert Masks</translation>
+    </message>
+    <message>
+        <source>Load Project</source>
+        <translation>Load Project</translation>
+    </message>
+    <message>
+        <source>Match Photos</source>
+        <translation>Match Photos</translation>
+    </message>
+    <message>
+        <source>Merge Chunks</source>
+        <translation>Merge Chunks</translation>
+    </message>
+    <message>
+        <source>Optimize Alignment</source>
+        <translation>Optimize Alignment</translation>
+    </message>
+    <message>
+        <source>Refine Markers</source>
+        <translation>Refine Markers</translation>
+    </message>
+    <message>
+        <source>Refine Points</source>
+        <translation>Refine Points</translation>
+    </message>
+    <message>
+        <source>Reset Masks</source>
+        <translation>Reset Masks</translation>
+    </message>
+    <message>
+        <source>Reset Orthomosaic</source>
+        <translation>Reset Orthomosaic</translation>
+    </message>
+    <message>
+        <source>Run Script</source>
+        <translation>Run Script</translation>
+    </message>
+    <message>
+        <source>Save Project</source>
+        <translation>Save Project</translation>
+    </message>
+    <message>
+        <source>Select Dense Points</source>
+        <translation>Select Dense Points</translation>
+    </message>
+    <message>
+        <source>Smooth Model</source>
+        <translation>Smooth Model</translation>
+    </message>
+    <message>
+        <source>Track Markers</source>
+        <translation>Track Markers</translation>
+    </message>
+    <message>
+        <source>Triangulate Points</source>
+        <translation>Triangulate Points</translation>
+    </message>
+    <message>
+        <source>Undistort Photos</source>
+        <translation>Undistort Photos</translation>
+    </message>
+    <message>
+        <source>Update Orthomosaic</source>
+        <translation>Update Orthomosaic</translation>
+    </message>
+    <message>
+        <source>Highest</source>
+        <translation>Highest</translation>
+    </message>
+    <message>
+        <source>High</source>
+        <translation>High</translation>
+    </message>
+    <message>
+        <source>Normal</source>
+        <translation>Normal</translation>
+    </message>
+    <message>
+        <source>Low</source>
+        <translation>Low</translation>
+    </message>
+    <message>
+        <source>Lowest</source>
+        <translation>Lowest</translation>
+    </message>
+    <message>
+        <source>#</source>
+        <translation>#</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>Project</translation>
+    </message>
+    <message>
+        <source>Started</source>
+        <translation>Started</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Priority</source>
+        <translation>Priority</translation>
+    </message>
+    <message>
+        <source>Current Task</source>
+        <translation>Current Task</translation>
+    </message>
+    <message>
+        <source>Elapsed / Left</source>
+        <translation>Elapsed / Left</translation>
+    </message>
+    <message>
+        <source>Failures</source>
+        <translation>Failures</translation>
+    </message>
+    <message>
+        <source>Nodes</source>
+        <translation>Nodes</translation>
+    </message>
+    <message>
+        <source>Host</source>
+        <translation>Host</translation>
+    </message>
+    <message>
+        <source>Batch #</source>
+        <translation>Batch #</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>Last Error</source>
+        <translation>Last Error</translation>
+    </message>
+    <message>
+        <source>Waiting...</source>
+        <translation>Waiting...</translation>
+    </message>
+</context>
+<context>
+    <name>TaskStatusWidget</name>
+    <message>
+        <source>%1/%2 completed</source>
+        <translation>%1/%2 completed</translation>
+    </message>
+    <message>
+        <source>%1/%2 nodes active</source>
+        <translation>%1/%2 nodes active</translation>
+    </message>
+    <message>
+        <source>%1 failures</source>
+        <translation>%1 failures</translation>
+    </message>
+    <message>
+        <source>Waiting...</source>
+        <translation>Waiting...</translation>
+    </message>
+    <message>
+        <source>elapsed</source>
+        <translation>elapsed</translation>
+    </message>
+    <message>
+        <source>left</source>
+        <translation>left</translation>
+    </message>
+</context>
 </TS>
