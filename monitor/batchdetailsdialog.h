@@ -1,14 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include <QDialog>
 
 #include "controlclient.h"
-
-namespace Ui {
-class BatchDetailsDialog;
-}
+#include "metatypes.h"
+#include "ui_batchdetailsdialog.h"
 
 // "Batch Details": the project path, one TaskStatusWidget row per task and
 // the last error of the batch the monitor follows while this dialog is open.
@@ -28,5 +24,5 @@ public slots:
     void setBatchStatus(const ControlClient::BatchStatus& status);
 
 private:
-    std::unique_ptr<Ui::BatchDetailsDialog> ui;
+    Ui::BatchDetailsDialog ui;
 };
