@@ -1,0 +1,158 @@
+#include "simoptions.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+bool toUnsigned(const std::string& text, unsigned long long max, unsigned long long& out)
+{
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos)
+        return false;
+    errno = 0;
+    out = std::strtoull(text.c_str(), nullptr, 10);
+    return errno == 0 && out <= max;
+}
+
+bool toReal(const std::string& text, double& out)
+{
+    if (text.empty())
+        return false;
+    char* end = nullptr;
+    out = std::strtod(text.c_str(), &end);
+    return *end == '\0' && std::isfinite(out);
+}
+
+} // namespace
+
+bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, std::string& error)
+{
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        std::string name = args[i];
+        std::string value;
+        bool hasValue = false;
+        const std::size_t equals = name.find('=');
+        if (name.rfind("--", 0) == 0 && equals != std::string::npos) {
+            value = name.substr(equals + 1);
+            name.resize(equals);
+            hasValue = true;
+        }
+        if (name == "--help" || name == "-h") {
+            options.help = true;
+            continue;
+        }
+        if (name == "--byte-writes") {
+            options.server.faults.byteWrites = true;
+            continue;
+        }
+        static const char* const valued[] = {"--listen", "--seed", "--speed", "--batches", "--nodes",
+            "--tick-ms", "--start-time", "--failure-rate", "--close-after", "--mute-after", "--garbage-every",
+            "--delay", "--big-reply"};
+        bool known = false;
+        for (const char* option : valued)
+            known = known || name == option;
+        if (!known) {
+            error = "unknown option " + args[i];
+            return false;
+        }
+        if (!hasValue) {
+            if (i + 1 == args.size()) {
+                error = name + " needs a value";
+                return false;
+            }
+            value = args[++i];
+        }
+
+        unsigned long long number = 0;
+        double real = 0.0;
+        const std::string bad = "bad value for " + name + ": " + value;
+        if (name == "--listen") {
+            const std::size_t colon = value.rfind(':');
+            if (colon == std::string::npos || colon == 0
+                || !toUnsigned(value.substr(colon + 1), 65535, number)) {
+                error = "--listen needs ADDRESS:PORT, got " + value;
+                return false;
+            }
+            options.address = value.substr(0, colon);
+            options.port = static_cast<std::uint16_t>(number);
+        } else if (name == "--speed" || name == "--failure-rate") {
+            if (!toReal(value, real) || real < 0.0) {
+                error = bad;
+                return false;
+            }
+            (name == "--speed" ? options.server.speed : options.farm.failuresPerNodeHour) = real;
+        } else {
+            const unsigned long long max = name == "--seed" ? ~0ull
+                : name == "--start-time"                    ? 0xFFFFFFFFull
+                : name == "--big-reply"                     ? (1ull << 30)
+                                                            : 0x7FFFFFFFull;
+            if (!toUnsigned(value, max, number)) {
+                error = bad;
+                return false;
+            }
+            if (name == "--seed")
+                options.farm.seed = number;
+            else if (name == "--batches")
+                options.farm.batches = static_cast<int>(number);
+            else if (name == "--nodes")
+                options.farm.nodes = static_cast<int>(number);
+            else if (name == "--tick-ms")
+                options.server.tickMs = static_cast<int>(number);
+            else if (name == "--start-time") {
+                options.farm.startTime = static_cast<std::uint32_t>(number);
+                options.startTimeGiven = true;
+            } else if (name == "--close-after")
+                options.server.faults.closeAfterReplies = static_cast<long long>(number);
+            else if (name == "--mute-after")
+                options.server.faults.muteAfterRequests = static_cast<long long>(number);
+            else if (name == "--garbage-every")
+                options.server.faults.garbageEvery = number;
+            else if (name == "--delay")
+                options.server.faults.delayMs = static_cast<int>(number);
+            else if (name == "--big-reply")
+                options.server.faults.bigReplyBytes = static_cast<std::size_t>(number);
+        }
+    }
+    return true;
+}
+
+std::string simHelpText()
+{
+    return R"(Usage: korvane-sim [OPTIONS]
+A simulated processing server: serves the control protocol (one JSON object
+per line over TCP) for a made-up farm of worker nodes and batches of tasks.
+
+Farm:
+  --listen ADDR:PORT   address to listen on (default 127.0.0.1:5840); port 0
+                       takes a free port. The first line on standard output
+                       is always "listening on ADDR:PORT".
+  --nodes M            number of worker nodes (default 12)
+  --batches N          number of batches at the start (default 30)
+  --seed S             seed of the farm's chance; the same seed, start time
+                       and ticks give the same farm (default 1)
+  --speed X            simulated seconds per real second (default 1; 0 stops
+                       the clock, commands still take effect)
+  --tick-ms MS         real milliseconds between ticks (default 100; 0: the
+                       farm never moves)
+  --start-time T       simulated clock at the start, Unix seconds (default:
+                       now)
+  --failure-rate R     failures per working node and simulated hour
+                       (default 6)
+
+Fault switches (each connection counts for itself; all off by default):
+  --close-after N      close the connection after N replies
+  --mute-after N       answer N requests, then read and ignore the rest,
+                       keeping the connection open
+  --byte-writes        send replies in 1-byte writes
+  --garbage-every N    put a line that is not JSON before every Nth reply
+  --delay MS           hold every reply back MS milliseconds
+  --big-reply BYTES    pad the first reply of each connection to a line of
+                       BYTES bytes (line feed included)
+
+  -h, --help           show this text and exit
+
+SIGINT or SIGTERM ends the server. Exit codes: 0 stopped, 1 cannot listen,
+2 bad arguments.
+)";
+}
