@@ -17,6 +17,36 @@
     </message>
 </context>
 <context>
+    <name>BatchDetailsDialog</name>
+    <message>
+        <source>Batch Details</source>
+        <translation>Stapeldetails</translation>
+    </message>
+    <message>
+        <source>Project:</source>
+        <translation>Projekt:</translation>
+    </message>
+    <message>
+        <source>Last error:</source>
+        <translation>Letzter Fehler:</translation>
+    </message>
+</context>
+<context>
+    <name>Errors</name>
+    <message>
+        <source>Network failure</source>
+        <translation>Netzwerkfehler</translation>
+    </message>
+    <message>
+        <source>Can&apos;t connect to server</source>
+        <translation>Keine Verbindung zum Server möglich</translation>
+    </message>
+    <message>
+        <source>Disconnected from server</source>
+        <translation>Verbindung zum Server getrennt</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -344,6 +374,46 @@
     <message>
         <source>Waiting...</source>
         <translation>Wartet...</translation>
+    </message>
+    <message>
+        <source>Host name:</source>
+        <translation>Hostname:</translation>
+    </message>
+    <message>
+        <source>Port:</source>
+        <translation>Port:</translation>
+    </message>
+    <message>
+        <source>Connect</source>
+        <translation>Verbinden</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Trennen</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation>Fortsetzen</translation>
+    </message>
+    <message>
+        <source>Abort</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Set Priority</source>
+        <translation>Priorität setzen</translation>
+    </message>
+    <message>
+        <source>Details...</source>
+        <translation>Details...</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
     </message>
 </context>
 <context>

@@ -17,6 +17,36 @@
     </message>
 </context>
 <context>
+    <name>BatchDetailsDialog</name>
+    <message>
+        <source>Batch Details</source>
+        <translation>Batch Details</translation>
+    </message>
+    <message>
+        <source>Project:</source>
+        <translation>Project:</translation>
+    </message>
+    <message>
+        <source>Last error:</source>
+        <translation>Last error:</translation>
+    </message>
+</context>
+<context>
+    <name>Errors</name>
+    <message>
+        <source>Network failure</source>
+        <translation>Network failure</translation>
+    </message>
+    <message>
+        <source>Can&apos;t connect to server</source>
+        <translation>Can&apos;t connect to server</translation>
+    </message>
+    <message>
+        <source>Disconnected from server</source>
+        <translation>Disconnected from server</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>&amp;File</source>
@@ -344,6 +374,46 @@
     <message>
         <source>Waiting...</source>
         <translation>Waiting...</translation>
+    </message>
+    <message>
+        <source>Host name:</source>
+        <translation>Host name:</translation>
+    </message>
+    <message>
+        <source>Port:</source>
+        <translation>Port:</translation>
+    </message>
+    <message>
+        <source>Connect</source>
+        <translation>Connect</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Disconnect</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation>Resume</translation>
+    </message>
+    <message>
+        <source>Abort</source>
+        <translation>Abort</translation>
+    </message>
+    <message>
+        <source>Set Priority</source>
+        <translation>Set Priority</translation>
+    </message>
+    <message>
+        <source>Details...</source>
+        <translation>Details...</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stop</translation>
     </message>
 </context>
 <context>
