@@ -1,0 +1,278 @@
+#include "ctlrunner.h"
+
+#include <chrono>
+#include <iostream>
+#include <streambuf>
+#include <thread>
+
+#include <QDate>
+
+#include <json/writer.h>
+
+#include "recordjson.h"
+#include "tables.h"
+#include "taskfile.h"
+#include "version.h"
+
+namespace {
+
+const char* const Prefix = "korvane-ctl: ";
+
+class NullBuffer final : public std::streambuf
+{
+protected:
+    int overflow(int c) override { return c == traits_type::eof() ? 0 : c; }
+};
+
+class NullWideBuffer final : public std::wstreambuf
+{
+protected:
+    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
+
+// Sends std::cout and std::wcout nowhere while it lives.
+class ConsoleSilence final
+{
+public:
+    ConsoleSilence()
+        : m_narrow(std::cout.rdbuf(&m_null))
+        , m_wide(std::wcout.rdbuf(&m_wideNull))
+    {
+    }
+    ~ConsoleSilence()
+    {
+        std::cout.rdbuf(m_narrow);
+        std::wcout.rdbuf(m_wide);
+    }
+    ConsoleSilence(const ConsoleSilence&) = delete;
+    ConsoleSilence& operator=(const ConsoleSilence&) = delete;
+
+private:
+    NullBuffer m_null;
+    NullWideBuffer m_wideNull;
+    std::streambuf* m_narrow;
+    std::wstreambuf* m_wide;
+};
+
+} // namespace
+
+CtlRunner::CtlRunner(std::ostream& out, std::ostream& err)
+    : m_out(out)
+    , m_err(err)
+{
+}
+
+void CtlRunner::setWatchPace(int intervalMs, int rounds)
+{
+    m_watchIntervalMs = intervalMs;
+    m_watchRounds = rounds;
+}
+
+int CtlRunner::run(const std::vector<std::string>& args)
+{
+    CtlOptions options;
+    std::string error;
+    if (!parseCtlOptions(args, options, error)) {
+        m_err << Prefix << error << " (see korvane-ctl --help)" << std::endl;
+        return ExitUsage;
+    }
+    if (options.help) {
+        m_out << ctlHelpText() << std::flush;
+        return ExitDone;
+    }
+    if (options.version) {
+        m_out << "korvane-ctl " << Version::Text << std::endl;
+        return ExitDone;
+    }
+
+    ConsoleSilence silence;
+    ControlClient client;
+    if (!client.init() || !client.connect(options.host, options.port)) {
+        m_err << Prefix << "cannot connect to " << options.address() << std::endl;
+        return ExitConnection;
+    }
+    try {
+        return execute(client, options);
+    } catch (const std::exception& exception) {
+        m_err << Prefix << "unreadable reply from " << options.address() << ": " << exception.what()
+              << std::endl;
+        return ExitConnection;
+    }
+}
+
+int CtlRunner::failed(const ControlClient& client, const CtlOptions& options, const std::string& what)
+{
+    if (stopped())
+        return ExitDone;
+    if (!client.isConnected()) {
+        m_err << Prefix << "connection to " << options.address() << " lost" << std::endl;
+        return ExitConnection;
+    }
+    m_err << Prefix << "the server refused " << what << std::endl;
+    return ExitRefused;
+}
+
+void CtlRunner::printJson(const Json::Value& value, bool compact)
+{
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = compact ? "" : "  ";
+    builder["emitUTF8"] = true;
+    m_out << Json::writeString(builder, value) << std::endl;
+}
+
+int CtlRunner::eachId(ControlClient& client, const CtlOptions& options, const char* verb, const char* what,
+    bool (ControlClient::*request)(std::uint32_t))
+{
+    int code = ExitDone;
+    for (std::uint32_t id : options.ids) {
+        if ((client.*request)(id))
+            continue;
+        code = failed(client, options, std::string("to ") + verb + " " + what + " " + std::to_string(id));
+        if (code == ExitConnection)
+            return code;
+    }
+    return code;
+}
+
+int CtlRunner::execute(ControlClient& client, const CtlOptions& options)
+{
+    const QDate today = QDate::currentDate();
+    switch (options.command) {
+    case CtlCommand::Batches: {
+        ControlClient::BatchList batches;
+        if (!client.listBatches(batches))
+            return failed(client, options, "the batch list");
+        if (options.json)
+            printJson(batchListToJson(batches));
+        else
+            m_out << batchTable(batches) << std::flush;
+        return ExitDone;
+    }
+    case CtlCommand::Nodes: {
+        ControlClient::NodeList nodes;
+        if (!client.listNodes(nodes))
+            return failed(client, options, "the node list");
+        if (options.json)
+            printJson(nodeListToJson(nodes));
+        else
+            m_out << nodeTable(nodes, today) << std::flush;
+        return ExitDone;
+    }
+    case CtlCommand::Status: {
+        ControlClient::BatchStatus status;
+        const std::uint32_t id = options.ids.front();
+        if (!client.getBatchStatus(id, status))
+            return failed(client, options, "the status of batch " + std::to_string(id));
+        if (options.json)
+            printJson(batchStatusToJson(status));
+        else
+            m_out << statusText(status, today) << std::flush;
+        return ExitDone;
+    }
+    case CtlCommand::PauseBatch:
+        return eachId(client, options, "pause", "batch", &ControlClient::pauseBatch);
+    case CtlCommand::ResumeBatch:
+        return eachId(client, options, "resume", "batch", &ControlClient::resumeBatch);
+    case CtlCommand::AbortBatch:
+        return eachId(client, options, "abort", "batch", &ControlClient::abortBatch);
+    case CtlCommand::PauseNode:
+        return eachId(client, options, "pause", "node", &ControlClient::pauseNode);
+    case CtlCommand::ResumeNode:
+        return eachId(client, options, "resume", "node", &ControlClient::resumeNode);
+    case CtlCommand::StopNode: {
+        // As the monitor does it: pause, then abort, the abort even when the pause was refused.
+        int code = ExitDone;
+        for (std::uint32_t id : options.ids) {
+            for (int step = 0; step < 2; ++step) {
+                const bool pause = step == 0;
+                if (pause ? client.pauseNode(id) : client.abortNode(id))
+                    continue;
+                code = failed(client, options,
+                    std::string(pause ? "to pause" : "to abort") + " node " + std::to_string(id));
+                if (code == ExitConnection)
+                    return code;
+            }
+        }
+        return code;
+    }
+    case CtlCommand::BatchPriority:
+    case CtlCommand::NodePriority: {
+        const bool batch = options.command == CtlCommand::BatchPriority;
+        const std::uint32_t id = options.ids.front();
+        const bool ok = batch ? client.setBatchPriority(id, options.priority)
+                              : client.setNodePriority(id, options.priority);
+        if (!ok)
+            return failed(client, options,
+                std::string("to set the priority of ") + (batch ? "batch " : "node ") + std::to_string(id));
+        return ExitDone;
+    }
+    case CtlCommand::Create:
+    case CtlCommand::Find: {
+        const bool create = options.command == CtlCommand::Create;
+        std::uint32_t id = ControlClient::NoId;
+        if (create) {
+            std::vector<ControlClient::TaskRequest> tasks;
+            std::string error;
+            if (!readTaskFile(options.tasksFile, tasks, error)) {
+                m_err << Prefix << error << std::endl;
+                return ExitUsage;
+            }
+            id = client.createBatch(options.path, tasks);
+        } else {
+            id = client.findBatch(options.path);
+        }
+        if (id == ControlClient::NoId)
+            return failed(client, options,
+                std::string(create ? "to create" : "to find") + " a batch for " + options.path);
+        if (options.json) {
+            Json::Value object(Json::objectValue);
+            object["batch_id"] = Json::UInt(id);
+            printJson(object);
+        } else {
+            m_out << id << std::endl;
+        }
+        return ExitDone;
+    }
+    case CtlCommand::Watch:
+        return watch(client, options);
+    case CtlCommand::None:
+        break;
+    }
+    return ExitUsage;
+}
+
+int CtlRunner::watch(ControlClient& client, const CtlOptions& options)
+{
+    for (int round = 0; !stopped() && (m_watchRounds == 0 || round < m_watchRounds); ++round) {
+        if (round > 0) {
+            // Short naps, so that an interruption ends the wait at once.
+            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(m_watchIntervalMs);
+            while (!stopped() && std::chrono::steady_clock::now() < end)
+                std::this_thread::sleep_for(std::chrono::milliseconds(std::min(m_watchIntervalMs, 50)));
+            if (stopped())
+                break;
+        }
+        ControlClient::BatchList batches;
+        ControlClient::NodeList nodes;
+        if (!client.listBatches(batches))
+            return failed(client, options, "the batch list");
+        if (!client.listNodes(nodes))
+            return failed(client, options, "the node list");
+
+        if (options.json) {
+            Json::Value both(Json::objectValue);
+            both["batches"] = batchListToJson(batches);
+            both["nodes"] = nodeListToJson(nodes);
+            printJson(both, true);
+            continue;
+        }
+        std::string screen;
+        if (m_clearScreen)
+            screen = "\x1b[H\x1b[2J";
+        else if (round > 0)
+            screen = "\n";
+        screen += batchTable(batches) + "\n" + nodeTable(nodes, QDate::currentDate());
+        m_out << screen << std::flush;
+    }
+    return ExitDone;
+}
