@@ -1,10 +1,12 @@
 #include <cstdio>
 
 #include <QCommandLineParser>
+#include <QTimer>
 
 #include "application.h"
 #include "crashreporter.h"
 #include "mainwindow.h"
+#include "monitor.h"
 #include "qtutf8codec.h"
 #include "utf8.h"
 #include "version.h"
@@ -33,10 +35,36 @@ int main(int argc, char** argv)
     const QCommandLineOption versionOption(
         {QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Displays version information."));
     parser.addOption(versionOption);
+    const QCommandLineOption connectOption(QStringLiteral("connect"),
+        QStringLiteral("Connects to the server at <host[:port]> once the window shows, as if Connect "
+                       "had been pressed. Without a port the stored one (default 5840) is used."),
+        QStringLiteral("host[:port]"));
+    parser.addOption(connectOption);
     parser.process(app);
     if (parser.isSet(versionOption)) {
         std::printf("Korvane Monitor %s build %d\n", Version::Text, Version::Build);
         return 0;
+    }
+
+    QString connectHost;
+    int connectPort = -1;
+    if (parser.isSet(connectOption)) {
+        connectHost = parser.value(connectOption);
+        const int colon = connectHost.indexOf(QLatin1Char(':'));
+        if (colon >= 0) {
+            bool ok = false;
+            connectPort = connectHost.mid(colon + 1).toInt(&ok);
+            if (!ok || connectPort < 0 || connectPort > 65535) {
+                std::fprintf(stderr, "korvane-monitor: --connect: \"%s\" is not a port number (0 to 65535)\n",
+                    qPrintable(connectHost.mid(colon + 1)));
+                return 2;
+            }
+            connectHost.truncate(colon);
+        }
+        if (connectHost.isEmpty()) {
+            std::fputs("korvane-monitor: --connect: the host name is missing\n", stderr);
+            return 2;
+        }
     }
 
     Application::useCNumericLocale();
@@ -45,5 +73,10 @@ int main(int argc, char** argv)
 
     MainWindow window;
     window.show();
+    if (!connectHost.isEmpty()) {
+        Monitor* monitor = window.monitorPanel();
+        QTimer::singleShot(0, monitor,
+            [monitor, connectHost, connectPort] { monitor->connectTo(connectHost, connectPort); });
+    }
     return app.exec();
 }

@@ -1,5 +1,8 @@
 #include "mainwindow.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 #include <QAction>
 #include <QCloseEvent>
 #include <QMenu>
@@ -8,6 +11,7 @@
 #include <QStatusBar>
 
 #include "aboutdialog.h"
+#include "monitor.h"
 
 MainWindow::MainWindow()
     : QMainWindow(nullptr)
@@ -15,7 +19,7 @@ MainWindow::MainWindow()
     setWindowTitle(QStringLiteral("Korvane Network Monitor"));
     applyStyleSheet();
 
-    monitor = new QWidget(this);
+    monitor = new Monitor(this);
     setCentralWidget(monitor);
     resize(900, 640);
 
@@ -75,6 +79,13 @@ void MainWindow::changeEvent(QEvent* event)
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     writeSettings();
+    // The worker's thread must not outlive the panel. Only a connect() that
+    // the system keeps waiting for can hold it up; then leave without it.
+    if (!monitor->shutdown(1500)) {
+        std::fputs("korvane-monitor: the connection did not end in time; leaving without it\n", stderr);
+        std::fflush(nullptr);
+        std::_Exit(0);
+    }
     QWidget::closeEvent(event);
 }
 

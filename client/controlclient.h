@@ -122,6 +122,10 @@ public:
     bool connect(const std::string& address, int port);
     void disconnect();
     bool isConnected() const { return m_socket != -1; }
+    // The connected socket, -1 when not connected. For an owner that must be
+    // able to cut a blocked exchange short from another thread (by shutting
+    // down a duplicate of it); all reading and writing stays with this class.
+    int socketDescriptor() const { return m_socket; }
 
     bool send(const Json::Value& message);
     // -1 waits without limit. A time-out limits only the wait for the first

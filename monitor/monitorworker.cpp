@@ -1,0 +1,198 @@
+#include "monitorworker.h"
+
+#include <chrono>
+#include <iostream>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+
+namespace {
+
+QString errorText(const char* text)
+{
+    return QCoreApplication::translate("Errors", text);
+}
+
+void report(const char* line)
+{
+    std::cout << line << std::endl;
+}
+
+} // namespace
+
+MonitorWorker::MonitorWorker() = default;
+
+MonitorWorker::~MonitorWorker()
+{
+    withdrawSocket();
+}
+
+void MonitorWorker::enqueueCommand(int type, std::uint32_t id, int priority)
+{
+    std::lock_guard<Mutex> lock(mutex);
+    commands.push_back({type, id, priority});
+}
+
+void MonitorWorker::setStatusBatch(std::uint32_t batchId)
+{
+    std::lock_guard<Mutex> lock(mutex);
+    statusBatchId = batchId;
+}
+
+void MonitorWorker::disconnect()
+{
+    enqueueCommand(Stop, 0, 0);
+}
+
+void MonitorWorker::abort()
+{
+    std::lock_guard<std::mutex> lock(abortLock);
+    aborted = true;
+    // A shut-down duplicate makes the client's blocked send or recv return
+    // at once; the client then closes its own descriptor as on any loss.
+    if (abortSocket != -1)
+        ::shutdown(abortSocket, SHUT_RDWR);
+    abortWake.notify_all();
+}
+
+void MonitorWorker::run()
+{
+    {
+        std::lock_guard<Mutex> lock(mutex);
+        commands.clear();
+    }
+
+    {
+        ControlClient client;
+        if (!client.init()) {
+            report("can't initialize network client");
+            emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Network failure")));
+        } else if (isAborted() || !client.connect(host, port)) {
+            report("can't connect to server");
+            emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Can't connect to server")));
+        } else {
+            publishSocket(client);
+            for (;;) {
+                if (isAborted())
+                    break;
+                if (!client.isConnected()) {
+                    emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Disconnected from server")));
+                    break;
+                }
+
+                bool stop = false;
+                std::uint32_t followedBatch = ControlClient::NoId;
+                {
+                    std::lock_guard<Mutex> lock(mutex);
+                    followedBatch = statusBatchId;
+                    for (const MonitorCommand& command : commands) {
+                        if (command.type == Stop) {
+                            stop = true;
+                            break;
+                        }
+                        carryOut(client, command);
+                    }
+                    commands.clear();
+                }
+                if (stop || isAborted())
+                    break;
+
+                ControlClient::BatchList batches;
+                if (!client.listBatches(batches))
+                    report("can't get batch list");
+                emit batchesUpdated(batches);
+
+                ControlClient::NodeList nodes;
+                if (!client.listNodes(nodes))
+                    report("can't get node list");
+                emit nodesUpdated(nodes);
+
+                if (followedBatch != ControlClient::NoId) {
+                    ControlClient::BatchStatus status;
+                    if (client.getBatchStatus(followedBatch, status))
+                        emit batchStatusUpdated(status);
+                    else
+                        report("can't get batch status");
+                }
+
+                sleepOneSecond();
+            }
+            withdrawSocket();
+        }
+        emit finished();
+    }
+}
+
+void MonitorWorker::carryOut(ControlClient& client, const MonitorCommand& command)
+{
+    switch (command.type) {
+    case PauseNode:
+        if (!client.pauseNode(command.id))
+            report("can't pause node");
+        break;
+    case StopNode:
+        // a node is stopped by pausing it and then aborting it, the abort
+        // going out even when the pause failed
+        if (!client.pauseNode(command.id))
+            report("can't pause node");
+        if (!client.abortNode(command.id))
+            report("can't abort node");
+        break;
+    case ResumeNode:
+        if (!client.resumeNode(command.id))
+            report("can't resume node");
+        break;
+    case PauseBatch:
+        if (!client.pauseBatch(command.id))
+            report("can't pause batch");
+        break;
+    case AbortBatch:
+        if (!client.abortBatch(command.id))
+            report("can't abort batch");
+        break;
+    case ResumeBatch:
+        if (!client.resumeBatch(command.id))
+            report("can't resume batch");
+        break;
+    case SetBatchPriority:
+        if (!client.setBatchPriority(command.id, command.priority))
+            report("can't set batch priority");
+        break;
+    case SetNodePriority:
+        if (!client.setNodePriority(command.id, command.priority))
+            report("can't set node priority");
+        break;
+    default:
+        // unknown types are skipped without a word
+        break;
+    }
+}
+
+void MonitorWorker::publishSocket(const ControlClient& client)
+{
+    std::lock_guard<std::mutex> lock(abortLock);
+    abortSocket = ::dup(client.socketDescriptor());
+    if (aborted && abortSocket != -1)
+        ::shutdown(abortSocket, SHUT_RDWR);
+}
+
+void MonitorWorker::withdrawSocket()
+{
+    std::lock_guard<std::mutex> lock(abortLock);
+    if (abortSocket != -1)
+        ::close(abortSocket);
+    abortSocket = -1;
+}
+
+bool MonitorWorker::isAborted()
+{
+    std::lock_guard<std::mutex> lock(abortLock);
+    return aborted;
+}
+
+void MonitorWorker::sleepOneSecond()
+{
+    std::unique_lock<std::mutex> lock(abortLock);
+    abortWake.wait_for(lock, std::chrono::seconds(1), [this] { return aborted; });
+}
