@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextCursor>
+#include <QTranslator>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -65,6 +66,14 @@ QString headerOf(const TaskStatusWidget* widget)
         return QStringLiteral("<no task widget>");
     auto* label = qobject_cast<QLabel*>(widget->layout()->itemAt(0)->widget());
     return label ? label->text() : QStringLiteral("<no header>");
+}
+
+QString footerOf(const TaskStatusWidget* widget)
+{
+    if (!widget || !widget->layout() || widget->layout()->count() != 3)
+        return QStringLiteral("<no task widget>");
+    auto* label = qobject_cast<QLabel*>(widget->layout()->itemAt(2)->widget());
+    return label ? label->text() : QStringLiteral("<no footer>");
 }
 
 class BatchDetailsDialogTest : public ::testing::Test
@@ -475,4 +484,39 @@ TEST_F(BatchDetailsDialogTest, EscapeRejects)
     QTest::keyClick(&dialog, Qt::Key_Escape);
     EXPECT_EQ(rejected.count(), 1);
     EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST(BatchDetailsDialogGerman, TextsFollowTheInstalledTranslation)
+{
+    QTranslator german;
+    ASSERT_TRUE(german.load(QCoreApplication::applicationDirPath() + QStringLiteral("/lang/monitor_de.qm")));
+    QCoreApplication::installTranslator(&german);
+    initTaskDisplayNames();
+
+    BatchDetailsDialog dialog(nullptr);
+    ControlClient::BatchStatus status;
+    status.tasks
+        = {task("BuildModel", ControlClient::Pending), task("AlignCameras", ControlClient::Completed)};
+    status.tasks[1].nodesFailed = 2;
+    dialog.setBatchStatus(status);
+    const QString title = dialog.windowTitle();
+    const QString project = dialog.findChild<QLabel*>(QStringLiteral("label"))->text();
+    const QString lastError = dialog.findChild<QLabel*>(QStringLiteral("label_2"))->text();
+    auto* list = dialog.findChild<QListWidget*>(QStringLiteral("listJobs"));
+    const QString pendingFooter = footerOf(qobject_cast<TaskStatusWidget*>(list->itemWidget(list->item(0))));
+    const QString completedHeader
+        = headerOf(qobject_cast<TaskStatusWidget*>(list->itemWidget(list->item(1))));
+    const QString completedFooter
+        = footerOf(qobject_cast<TaskStatusWidget*>(list->itemWidget(list->item(1))));
+
+    QCoreApplication::removeTranslator(&german);
+    initTaskDisplayNames();
+
+    EXPECT_EQ(title, QStringLiteral("Stapeldetails"));
+    EXPECT_EQ(project, QStringLiteral("Projekt:"));
+    EXPECT_EQ(lastError, QStringLiteral("Letzter Fehler:"));
+    EXPECT_EQ(pendingFooter, QStringLiteral("Wartet..."));
+    EXPECT_TRUE(completedHeader.endsWith(QStringLiteral(" (0/10 abgeschlossen, 0/0 Knoten aktiv, 2 Fehler)")))
+        << completedHeader.toStdString();
+    EXPECT_EQ(completedFooter, QStringLiteral("00:01:05 vergangen"));
 }
