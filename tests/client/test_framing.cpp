@@ -1,6 +1,7 @@
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -298,6 +299,30 @@ TEST(ControlClientSend, PeerClosingDuringSendFailsWithoutKillingTheProcess)
     EXPECT_TRUE(server.finish());
     EXPECT_EQ(console.text(), "connected to 127.0.0.1:" + portText(server) + "\ndisconnected from server\n");
     EXPECT_FALSE(client.send(Json::Value(1)));
+}
+
+TEST(ControlClientSend, SendingToAClosedPeerDoesNotRaiseBrokenPipe)
+{
+    ScriptedServer server;
+    server.acceptConnection().closeConnection();
+    server.start();
+    const ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
+    ASSERT_TRUE(server.finish());
+    // Once the peer's close has arrived, its reset to our next data makes a
+    // later send fail with EPIPE, which would raise SIGPIPE without protection.
+    const int fd = findClientSocket(server.port());
+    ASSERT_NE(fd, -1);
+    pollfd closed {fd, POLLIN, 0};
+    ASSERT_EQ(::poll(&closed, 1, 20000), 1);
+
+    EXPECT_TRUE(client.send(Json::Value("ping")));
+    pollfd reset {fd, 0, 0}; // error and hang-up are always reported
+    ASSERT_EQ(::poll(&reset, 1, 20000), 1);
+    EXPECT_FALSE(client.send(Json::Value("ping")));
+    EXPECT_FALSE(client.isConnected());
+    EXPECT_EQ(console.text(), "connected to 127.0.0.1:" + portText(server) + "\ndisconnected from server\n");
 }
 
 TEST(ControlClientReceive, NotConnectedReceiveIsNull)
