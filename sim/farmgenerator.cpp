@@ -95,11 +95,11 @@ std::vector<SimBatch> FarmGenerator::makeBatches(int count, std::uint32_t now)
 
         SimStatus state = SimStatus::Pending;
         const double roll = m_rng.uniform();
-        if (i == 0 || roll < 0.25)
+        if (i == 0 || (i > 2 && roll < 0.25))
             state = SimStatus::Completed;
-        else if (i == 1 || roll < 0.28)
+        else if (i == 1 || (i > 2 && roll < 0.28))
             state = SimStatus::Aborted;
-        else if (i == 2 || roll < 0.31)
+        else if (i == 2 || (i > 2 && roll < 0.31))
             state = SimStatus::Paused;
 
         if (state == SimStatus::Completed) {

@@ -1,0 +1,203 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <json/reader.h>
+
+#include <gtest/gtest.h>
+
+#include "consolecapture.h"
+#include "controlclient.h"
+#include "runningsim.h"
+
+namespace {
+
+const std::string ListNodes = "{\"id\":1,\"method\":\"listNodes\"}\n";
+const std::string ParseError = "{\"error\":{\"code\":-32700,\"message\":\"Parse error\"},\"id\":null}\n";
+
+std::string pauseNode(int id)
+{
+    return "{\"id\":" + std::to_string(id) + ",\"method\":\"pauseNode\",\"params\":{\"node_id\":1}}\n";
+}
+
+std::string trueReply(int id)
+{
+    return "{\"id\":" + std::to_string(id) + ",\"result\":true}\n";
+}
+
+} // namespace
+
+TEST(SimServer, GarbageGetsAParseErrorAndTheConnectionStaysOpen)
+{
+    RunningSim sim;
+    ASSERT_TRUE(sim.listening());
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write("garbage\n\x01\x02\xff\n"));
+    EXPECT_EQ(client.readLine(), ParseError);
+    EXPECT_EQ(client.readLine(), ParseError);
+    ASSERT_TRUE(client.write(pauseNode(3)));
+    EXPECT_EQ(client.readLine(), trueReply(3));
+}
+
+TEST(SimServer, AHalfLineIsAnsweredOnceItIsComplete)
+{
+    RunningSim sim;
+    LineClient client(sim.port());
+    const std::string request = pauseNode(4);
+    ASSERT_TRUE(client.write(request.substr(0, 10)));
+    EXPECT_EQ(client.readLine(200), "");
+    ASSERT_TRUE(client.write(request.substr(10)));
+    EXPECT_EQ(client.readLine(), trueReply(4));
+}
+
+TEST(SimServer, SeveralRequestsInOneWriteAreAnsweredInOrder)
+{
+    RunningSim sim;
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + "\n" + pauseNode(2) + "{\n" + pauseNode(3)));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_EQ(client.readLine(), trueReply(2));
+    EXPECT_EQ(client.readLine(), ParseError);
+    EXPECT_EQ(client.readLine(), trueReply(3));
+}
+
+TEST(SimServer, ManyClientsAreServedAtOnceAndOneVanishingDisturbsNoneOfThem)
+{
+    RunningSim sim;
+    std::vector<std::unique_ptr<LineClient>> clients;
+    for (int i = 0; i < 30; ++i) {
+        clients.push_back(std::make_unique<LineClient>(sim.port()));
+        ASSERT_TRUE(clients.back()->connected());
+    }
+    // one leaves in the middle of a line, one sends garbage, one never reads
+    clients[0]->write("{\"id\":1,\"meth");
+    clients[0]->close();
+    clients[1]->write("nonsense\n");
+    clients[2]->write(ListNodes + ListNodes + ListNodes);
+    for (std::size_t i = 3; i < clients.size(); ++i)
+        ASSERT_TRUE(clients[i]->write(pauseNode(static_cast<int>(i))));
+    for (std::size_t i = 3; i < clients.size(); ++i)
+        EXPECT_EQ(clients[i]->readLine(), trueReply(static_cast<int>(i)));
+    EXPECT_EQ(clients[1]->readLine(), ParseError);
+}
+
+TEST(SimServer, CloseAfterRepliesClosesTheConnectionAfterTheNthReply)
+{
+    FaultSwitches faults;
+    faults.closeAfterReplies = 2;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + pauseNode(2) + pauseNode(3)));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_EQ(client.readLine(), trueReply(2));
+    EXPECT_TRUE(client.closedByPeer());
+    EXPECT_EQ(client.pending(), "");
+    // each connection counts for itself
+    LineClient next(sim.port());
+    ASSERT_TRUE(next.write(pauseNode(4)));
+    EXPECT_EQ(next.readLine(), trueReply(4));
+}
+
+TEST(SimServer, MuteAfterRequestsStopsAnsweringButKeepsTheSocketOpen)
+{
+    FaultSwitches faults;
+    faults.muteAfterRequests = 1;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + pauseNode(2)));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_FALSE(client.closedByPeer(300));
+    EXPECT_EQ(client.pending(), "");
+}
+
+TEST(SimServer, ByteWritesStillDeliverWholeReplies)
+{
+    FaultSwitches faults;
+    faults.byteWrites = true;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", sim.port()));
+    ControlClient::NodeList nodes;
+    ASSERT_TRUE(client.listNodes(nodes));
+    EXPECT_EQ(nodes.size(), 12u);
+    EXPECT_TRUE(client.pauseNode(2));
+}
+
+TEST(SimServer, GarbageEveryNthReplyPutsANonJsonLineBeforeIt)
+{
+    FaultSwitches faults;
+    faults.garbageEvery = 2;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + pauseNode(2) + pauseNode(3) + pauseNode(4)));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_EQ(client.readLine(), GarbageLine);
+    EXPECT_EQ(client.readLine(), trueReply(2));
+    EXPECT_EQ(client.readLine(), trueReply(3));
+    EXPECT_EQ(client.readLine(), GarbageLine);
+    EXPECT_EQ(client.readLine(), trueReply(4));
+
+    // the protocol client skips the line and reads on
+    ConsoleCapture console;
+    ControlClient control;
+    ASSERT_TRUE(control.connect("127.0.0.1", sim.port()));
+    EXPECT_TRUE(control.pauseNode(1));
+    EXPECT_TRUE(control.pauseNode(1));
+    EXPECT_NE(console.text().find(": *** this line is not JSON ***"), std::string::npos);
+}
+
+TEST(SimServer, DelayHoldsRepliesBackWithoutHoldingUpOtherClients)
+{
+    FaultSwitches faults;
+    faults.delayMs = 1500;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient slow(sim.port());
+    LineClient other(sim.port());
+    ASSERT_TRUE(slow.write(pauseNode(1)));
+    EXPECT_EQ(slow.readLine(200), "");
+    ASSERT_TRUE(other.write(pauseNode(2)));
+    EXPECT_EQ(slow.pending(), "");
+    EXPECT_EQ(slow.readLine(), trueReply(1));
+    EXPECT_EQ(other.readLine(), trueReply(2));
+}
+
+TEST(SimServer, BigReplyPadsTheFirstReplyToTheGivenSize)
+{
+    FaultSwitches faults;
+    faults.bigReplyBytes = 100000;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + pauseNode(2)));
+    const std::string first = client.readLine();
+    EXPECT_EQ(first.size(), 100000u);
+    Json::Value reply;
+    ASSERT_TRUE(Json::Reader().parse(first, reply));
+    EXPECT_EQ(reply["result"], Json::Value(true));
+    EXPECT_EQ(reply["id"].asInt(), 1);
+    EXPECT_EQ(client.readLine(), trueReply(2));
+}
+
+TEST(SimServer, AnswersTenThousandBatchesAndTwoThousandNodes)
+{
+    FarmConfig config;
+    config.batches = 10000;
+    config.nodes = 2000;
+    ServerConfig server;
+    server.tickMs = 50;
+    server.speed = 10.0;
+    RunningSim sim(config, server);
+    ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", sim.port()));
+    for (int round = 0; round < 2; ++round) {
+        ControlClient::BatchList batches;
+        ControlClient::NodeList nodes;
+        ASSERT_TRUE(client.listBatches(batches));
+        ASSERT_TRUE(client.listNodes(nodes));
+        ASSERT_EQ(batches.size(), 10000u);
+        ASSERT_EQ(nodes.size(), 2000u);
+        EXPECT_EQ(batches[9999].batchId, 10000u);
+        EXPECT_EQ(nodes[1999].hostname, "render-2000:5841");
+    }
+}
