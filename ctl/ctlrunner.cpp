@@ -85,6 +85,13 @@ int CtlRunner::run(const std::vector<std::string>& args)
         return ExitDone;
     }
 
+    // The task file is read before connecting, so that a bad one never reaches the server.
+    m_tasks.clear();
+    if (options.command == CtlCommand::Create && !readTaskFile(options.tasksFile, m_tasks, error)) {
+        m_err << Prefix << error << std::endl;
+        return ExitUsage;
+    }
+
     ConsoleSilence silence;
     ControlClient client;
     if (!client.init() || !client.connect(options.host, options.port)) {
@@ -211,13 +218,7 @@ int CtlRunner::execute(ControlClient& client, const CtlOptions& options)
         const bool create = options.command == CtlCommand::Create;
         std::uint32_t id = ControlClient::NoId;
         if (create) {
-            std::vector<ControlClient::TaskRequest> tasks;
-            std::string error;
-            if (!readTaskFile(options.tasksFile, tasks, error)) {
-                m_err << Prefix << error << std::endl;
-                return ExitUsage;
-            }
-            id = client.createBatch(options.path, tasks);
+            id = client.createBatch(options.path, m_tasks);
         } else {
             id = client.findBatch(options.path);
         }

@@ -53,4 +53,5 @@ private:
     int m_watchRounds = 0;
     const std::atomic<bool>* m_stop = nullptr;
     bool m_clearScreen = false;
+    std::vector<ControlClient::TaskRequest> m_tasks;
 };
