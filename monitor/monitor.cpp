@@ -80,6 +80,9 @@ bool Monitor::shutdown(int timeoutMs)
     if (!thread.isRunning())
         return true;
     worker.abort();
+    // The worker's finished() would reach quit() through this thread's event
+    // loop, which is not running while we wait; quitting now is the same.
+    thread.quit();
     return thread.wait(QDeadlineTimer(timeoutMs));
 }
 

@@ -1,0 +1,340 @@
+#include <QElapsedTimer>
+#include <QMetaType>
+
+#include <gtest/gtest.h>
+
+#include "consolecapture.h"
+#include "monitorworker.h"
+#include "scriptedserver.h"
+#include "testenvironment.h"
+#include "workerharness.h"
+
+namespace {
+
+const std::string EmptyList = R"({"result":[]})";
+const std::string Ok = R"({"result":true})";
+const std::string Failed = R"({"error":{"code":-32602,"message":"no such id"}})";
+
+std::string lines(std::initializer_list<const char*> texts)
+{
+    std::string all;
+    for (const char* text : texts)
+        all += std::string(text) + "\n";
+    return all;
+}
+
+} // namespace
+
+TEST(MonitorWorker, RecordTypesAreRegisteredUnderTheirNames)
+{
+    registerRecordMetaTypes();
+    EXPECT_TRUE(QMetaType::fromName("ControlClient::BatchList").isValid());
+    EXPECT_TRUE(QMetaType::fromName("ControlClient::NodeList").isValid());
+    EXPECT_TRUE(QMetaType::fromName("ControlClient::BatchStatus").isValid());
+}
+
+TEST(MonitorWorker, ACyclePollsBatchesThenNodesOncePerSecond)
+{
+    ScriptedServer server;
+    server.acceptConnection()
+        .reply(R"({"result":[{"batch_id":4,"path":"/p/a.psx","status":"inprogress"}]})")
+        .reply(R"({"result":[{"node_id":9,"hostname":"render-09:5841"}]})")
+        .reply(EmptyList)
+        .reply(EmptyList)
+        .waitForClose();
+    server.start();
+
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    QElapsedTimer clock;
+    harness.start();
+    clock.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:1") == 1; }));
+    const qint64 firstCycle = clock.elapsed();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    const qint64 secondCycle = clock.elapsed();
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+
+    EXPECT_GE(secondCycle - firstCycle, 950);
+    EXPECT_EQ(server.received(),
+        lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"listBatches"})", R"({"id":3,"method":"listNodes"})"}));
+    EXPECT_EQ(recorder.events,
+        (std::vector<std::string> {"batches:1", "nodes:1", "batches:0", "nodes:0", "finished"}));
+    ASSERT_EQ(recorder.lastBatches.size(), 0u);
+    EXPECT_EQ(console.text(),
+        "connected to 127.0.0.1:" + std::to_string(server.port()) + "\ndisconnected from server\n");
+}
+
+TEST(MonitorWorker, WithNoBatchFollowedNoStatusIsRequested)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(server.received().find("getBatchStatus"), std::string::npos);
+}
+
+TEST(MonitorWorker, FollowedBatchIsPolledAfterTheLists)
+{
+    ScriptedServer server;
+    server.acceptConnection()
+        .reply(EmptyList)
+        .reply(EmptyList)
+        .reply(R"({"result":{"path":"/p/followed.psx","tasks":[{"name":"AlignCameras"}]}})")
+        .waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.worker.setStatusBatch(4294967294u);
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("status:/p/followed.psx") == 1; }));
+    harness.worker.setStatusBatch(ControlClient::NoId);
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(server.received(),
+        lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"getBatchStatus","params":{"batch_id":4294967294}})"}));
+    EXPECT_EQ(recorder.events,
+        (std::vector<std::string> {"batches:0", "nodes:0", "status:/p/followed.psx", "finished"}));
+}
+
+TEST(MonitorWorker, FailedStatusIsLoggedAndNotEmitted)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Failed).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.worker.setStatusBatch(7);
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.setStatusBatch(ControlClient::NoId);
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(recorder.events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
+    EXPECT_NE(console.text().find("can't get batch status\n"), std::string::npos);
+}
+
+TEST(MonitorWorker, PauseThenStopThenResumeSendsOnlyThePause)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Ok).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 5, 0);
+    harness.worker.disconnect();
+    harness.worker.enqueueCommand(MonitorWorker::ResumeBatch, 5, 0);
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(server.received(),
+        lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"pauseBatch","params":{"batch_id":5}})"}));
+    EXPECT_EQ(recorder.events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
+}
+
+TEST(MonitorWorker, EveryCommandSendsItsRequestsInQueueOrder)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList);
+    for (int i = 0; i < 10; ++i)
+        server.reply(Ok);
+    server.reply(EmptyList).reply(EmptyList).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.enqueueCommand(1, 11, 0);
+    harness.worker.enqueueCommand(2, 12, 0);
+    harness.worker.enqueueCommand(3, 13, 0);
+    harness.worker.enqueueCommand(4, 14, 0);
+    harness.worker.enqueueCommand(5, 15, 0);
+    harness.worker.enqueueCommand(6, 16, 0);
+    harness.worker.enqueueCommand(7, 17, -2);
+    harness.worker.enqueueCommand(9, 19, 0);
+    harness.worker.enqueueCommand(8, 18, 2);
+    harness.worker.enqueueCommand(-1, 20, 0);
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 2; }));
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(server.received(),
+        lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"pauseNode","params":{"node_id":11}})",
+            R"({"id":3,"method":"pauseNode","params":{"node_id":12}})",
+            R"({"id":4,"method":"abortNode","params":{"node_id":12}})",
+            R"({"id":5,"method":"resumeNode","params":{"node_id":13}})",
+            R"({"id":6,"method":"pauseBatch","params":{"batch_id":14}})",
+            R"({"id":7,"method":"abortBatch","params":{"batch_id":15}})",
+            R"({"id":8,"method":"resumeBatch","params":{"batch_id":16}})",
+            R"({"id":9,"method":"setBatchPriority","params":{"batch_id":17,"priority":-2}})",
+            R"({"id":10,"method":"setNodePriority","params":{"node_id":18,"priority":2}})",
+            R"({"id":11,"method":"listBatches"})", R"({"id":12,"method":"listNodes"})"}));
+    EXPECT_EQ(console.text().find("can't"), std::string::npos) << console.text();
+}
+
+TEST(MonitorWorker, EachFailedCommandWritesItsLineAndTheTurnGoesOn)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList);
+    for (int i = 0; i < 9; ++i)
+        server.reply(Failed);
+    server.reply(EmptyList).reply(EmptyList).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    for (int type = 1; type <= 8; ++type)
+        harness.worker.enqueueCommand(type, 3, 1);
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 2; }));
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    const std::string port = std::to_string(server.port());
+    EXPECT_EQ(console.text(),
+        "connected to 127.0.0.1:" + port
+            + "\n"
+              "can't pause node\n"
+              "can't pause node\n"
+              "can't abort node\n"
+              "can't resume node\n"
+              "can't pause batch\n"
+              "can't abort batch\n"
+              "can't resume batch\n"
+              "can't set batch priority\n"
+              "can't set node priority\n"
+              "disconnected from server\n");
+}
+
+TEST(MonitorWorker, StoppingANodeWhosePauseFailsStillSendsTheAbort)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Failed).reply(Ok).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.enqueueCommand(MonitorWorker::StopNode, 3, 0);
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(server.received(),
+        lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"pauseNode","params":{"node_id":3}})",
+            R"({"id":3,"method":"abortNode","params":{"node_id":3}})"}));
+    EXPECT_NE(console.text().find("can't pause node\n"), std::string::npos);
+    EXPECT_EQ(console.text().find("can't abort node"), std::string::npos);
+}
+
+TEST(MonitorWorker, CommandsQueuedBeforeTheConnectionAreDropped)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 1, 0);
+    harness.worker.disconnect();
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    harness.worker.disconnect();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    EXPECT_EQ(
+        server.received(), lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})"}));
+}
+
+TEST(MonitorWorker, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().write(R"({"result":[{"batch_id)").closeConnection();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(harness.waitForEnd());
+    server.finish();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    EXPECT_EQ(recorder.events,
+        (std::vector<std::string> {"batches:0", "nodes:0", "error:Disconnected from server", "finished"}));
+    EXPECT_EQ(console.text(),
+        "connected to 127.0.0.1:" + std::to_string(server.port())
+            + "\ndisconnected from server\ncan't get batch list\ncan't get node list\n");
+}
+
+TEST(MonitorWorker, WrongHostNameEndsAtOnceWithCantConnect)
+{
+    WorkerHarness harness("no-such-host.invalid", 5840);
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(harness.waitForEnd());
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
+    EXPECT_EQ(console.text(), "can't connect to server\n");
+    EXPECT_FALSE(console.wideText().empty());
+}
+
+TEST(MonitorWorker, RefusedConnectionEndsWithCantConnect)
+{
+    int port = 0;
+    {
+        ScriptedServer closed;
+        port = closed.port();
+    }
+    WorkerHarness harness("127.0.0.1", port);
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(harness.waitForEnd());
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
+    EXPECT_EQ(
+        console.text(), "can't connect to 127.0.0.1:" + std::to_string(port) + "\ncan't connect to server\n");
+}
+
+TEST(MonitorWorker, AbortEndsARunStuckOnAServerThatNeverAnswers)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForClose();
+    server.start();
+    WorkerHarness harness("127.0.0.1", server.port());
+    WorkerRecorder recorder(harness.worker);
+    ConsoleCapture console;
+    harness.start();
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return server.received().size() > 0; }));
+    QElapsedTimer clock;
+    clock.start();
+    harness.worker.abort();
+    ASSERT_TRUE(harness.waitForEnd(2000));
+    server.finish();
+    EXPECT_LT(clock.elapsed(), 2000);
+    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    EXPECT_EQ(recorder.count("error:Disconnected from server"), 0);
+}
