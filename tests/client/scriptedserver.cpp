@@ -106,6 +106,15 @@ ScriptedServer& ScriptedServer::answerEveryLine(const std::string& bytes, std::s
     return *this;
 }
 
+ScriptedServer& ScriptedServer::answerByMethod(
+    const std::map<std::string, std::string>& replies, const std::string& fallback)
+{
+    Step step {Step::AnswerByMethod, fallback};
+    step.replies = replies;
+    m_steps.push_back(step);
+    return *this;
+}
+
 void ScriptedServer::start()
 {
     m_thread = std::thread([this] { run(); });
@@ -148,17 +157,13 @@ bool ScriptedServer::runStep(const Step& step)
         std::lock_guard<std::mutex> lock(m_mutex);
         m_connection = connection;
         m_connectionBytes = m_linesIn = m_linesTaken = 0;
+        m_nextLineOffset = m_received.size();
         return true;
     }
     case Step::WaitLine:
         for (;;) {
-            {
-                std::lock_guard<std::mutex> lock(m_mutex);
-                if (m_linesIn > m_linesTaken) {
-                    ++m_linesTaken;
-                    return true;
-                }
-            }
+            if (takeLine(nullptr))
+                return true;
             if (!readMore())
                 return false;
         }
@@ -185,16 +190,25 @@ bool ScriptedServer::runStep(const Step& step)
         return !m_stop;
     case Step::AnswerEveryLine:
         for (;;) {
-            bool haveLine = false;
-            {
-                std::lock_guard<std::mutex> lock(m_mutex);
-                if (m_linesIn > m_linesTaken) {
-                    ++m_linesTaken;
-                    haveLine = true;
-                }
-            }
-            if (haveLine) {
+            if (takeLine(nullptr)) {
                 if (!sendAll(step.bytes, step.number))
+                    return true; // the peer went away
+            } else if (!readMore()) {
+                return !m_stop;
+            }
+        }
+    case Step::AnswerByMethod:
+        for (;;) {
+            std::string line;
+            if (takeLine(&line)) {
+                std::string answer = step.bytes;
+                for (const auto& [method, reply] : step.replies) {
+                    if (line.find("\"method\":\"" + method + "\"") != std::string::npos) {
+                        answer = reply;
+                        break;
+                    }
+                }
+                if (!sendAll(answer + "\n", 0))
                     return true; // the peer went away
             } else if (!readMore()) {
                 return !m_stop;
@@ -202,6 +216,19 @@ bool ScriptedServer::runStep(const Step& step)
         }
     }
     return false;
+}
+
+bool ScriptedServer::takeLine(std::string* line)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_linesIn <= m_linesTaken)
+        return false;
+    ++m_linesTaken;
+    const std::size_t end = m_received.find('\n', m_nextLineOffset);
+    if (line)
+        *line = m_received.substr(m_nextLineOffset, end - m_nextLineOffset);
+    m_nextLineOffset = end + 1;
+    return true;
 }
 
 bool ScriptedServer::readMore()

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -39,6 +40,11 @@ public:
     ScriptedServer& waitForClose();
     // Until the peer closes: every incoming line gets these bytes as answer.
     ScriptedServer& answerEveryLine(const std::string& bytes, std::size_t pieceSize = 0);
+    // Until the peer closes: every incoming line is answered by the entry of
+    // replies whose key is its "method" value, or by fallback; each answer
+    // gets its line feed.
+    ScriptedServer& answerByMethod(
+        const std::map<std::string, std::string>& replies, const std::string& fallback);
 
     void start();
     // Joins the script thread; true when every step ran as planned.
@@ -59,15 +65,19 @@ private:
             Reset,
             WaitClose,
             AnswerEveryLine,
+            AnswerByMethod,
         };
         Kind kind;
         std::string bytes;
         std::size_t number = 0;
+        std::map<std::string, std::string> replies {};
     };
 
     void run();
     bool runStep(const Step& step);
     bool readMore();
+    // Takes the next whole line that has come in; false when there is none yet.
+    bool takeLine(std::string* line);
     bool sendAll(const std::string& bytes, std::size_t pieceSize);
     void closeConnectionNow(bool reset);
 
@@ -87,4 +97,5 @@ private:
     std::size_t m_connectionBytes = 0;
     std::size_t m_linesIn = 0;
     std::size_t m_linesTaken = 0;
+    std::size_t m_nextLineOffset = 0;
 };

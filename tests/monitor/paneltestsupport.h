@@ -1,0 +1,162 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QThread>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include "monitor.h"
+
+// Widgets of a panel, found by their object names as a user's tools would.
+struct PanelWidgets
+{
+    explicit PanelWidgets(Monitor& panel)
+        : host(panel.findChild<QLineEdit*>(QStringLiteral("editHost")))
+        , port(panel.findChild<QSpinBox*>(QStringLiteral("spinPort")))
+        , button(panel.findChild<QPushButton*>(QStringLiteral("buttonConnect")))
+        , batches(panel.findChild<QTreeWidget*>(QStringLiteral("treeBatches")))
+        , nodes(panel.findChild<QTreeWidget*>(QStringLiteral("treeNodes")))
+    {
+    }
+
+    QLineEdit* host;
+    QSpinBox* port;
+    QPushButton* button;
+    QTreeWidget* batches;
+    QTreeWidget* nodes;
+};
+
+// Runs events until done() or the time is up.
+inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 10000)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(2);
+    }
+    return true;
+}
+
+// Answers every warning box the panel opens, remembering title and text.
+class MessageBoxCatcher final : public QObject
+{
+public:
+    MessageBoxCatcher()
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                boxes.push_back(box->windowTitle() + QStringLiteral(" | ") + box->text());
+                box->accept();
+            }
+        });
+        m_timer.start(10);
+    }
+
+    std::vector<QString> boxes;
+
+private:
+    QTimer m_timer;
+};
+
+// Opens a row's context menu as a right click would, notes the entries and
+// chooses the one at path ("Set Priority", "Lowest"). An empty path only
+// looks and closes the menu.
+struct MenuVisit
+{
+    bool opened = false;
+    QStringList entries;
+    QStringList submenu;
+    bool allEnabledPlain = true;
+};
+
+inline MenuVisit chooseFromMenu(QTreeWidget* tree, const QPoint& pos, const QStringList& path)
+{
+    MenuVisit visit;
+    QTimer guard;
+    QObject::connect(&guard, &QTimer::timeout, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        guard.stop();
+        visit.opened = true;
+        QAction* chosen = nullptr;
+        QMenu* level = menu;
+        for (QAction* action : menu->actions()) {
+            visit.entries << (action->isSeparator() ? QStringLiteral("-") : action->text());
+            if (action->menu()) {
+                for (QAction* sub : action->menu()->actions()) {
+                    visit.submenu << sub->text();
+                    visit.allEnabledPlain
+                        &= sub->isEnabled() && sub->shortcut().isEmpty() && !sub->isCheckable();
+                }
+            }
+            if (!action->isSeparator())
+                visit.allEnabledPlain
+                    &= action->isEnabled() && action->shortcut().isEmpty() && !action->isCheckable();
+        }
+        for (int i = 0; i < path.size() && level; ++i) {
+            chosen = nullptr;
+            for (QAction* action : level->actions())
+                if (action->text() == path[i])
+                    chosen = action;
+            level = chosen ? chosen->menu() : nullptr;
+        }
+        menu->close();
+        if (chosen)
+            chosen->trigger();
+    });
+    guard.start(5);
+    // give a menu that would open time to show itself
+    QTimer::singleShot(300, &guard, &QTimer::stop);
+    emit tree->customContextMenuRequested(pos);
+    waitUntil([&] { return !guard.isActive(); }, 2000);
+    return visit;
+}
+
+inline MenuVisit chooseFromMenu(QTreeWidget* tree, int row, const QStringList& path)
+{
+    return chooseFromMenu(tree, tree->visualItemRect(tree->topLevelItem(row)).center(), path);
+}
+
+// The real simulator as a separate process on a free loopback port.
+class SimulatorProcess final
+{
+public:
+    explicit SimulatorProcess(const QStringList& arguments)
+    {
+        m_process.setProgram(QStringLiteral(KORVANE_SIM_PATH));
+        m_process.setArguments(
+            QStringList {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")} + arguments);
+        m_process.start();
+        if (m_process.waitForReadyRead(10000)) {
+            const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+            m_port = line.section(QLatin1Char(':'), -1).toInt();
+        }
+    }
+    ~SimulatorProcess()
+    {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000))
+            m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    int port() const { return m_port; }
+
+private:
+    QProcess m_process;
+    int m_port = 0;
+};
