@@ -1,6 +1,9 @@
 #include <QAction>
+#include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStatusBar>
@@ -12,6 +15,8 @@
 #include "aboutdialog.h"
 #include "application.h"
 #include "mainwindow.h"
+#include "monitor.h"
+#include "scriptedserver.h"
 #include "testenvironment.h"
 
 namespace {
@@ -201,4 +206,32 @@ TEST_F(MainWindowTest, HelpAboutOpensTheAboutDialogModally)
     EXPECT_TRUE(seenModal);
     EXPECT_EQ(seenParent, &window);
     EXPECT_TRUE(window.findChildren<AboutDialog*>().isEmpty());
+}
+
+TEST_F(MainWindowTest, CentralWidgetIsTheMonitorPanel)
+{
+    MainWindow window;
+    EXPECT_NE(qobject_cast<Monitor*>(window.centralWidget()), nullptr);
+    EXPECT_EQ(window.centralWidget(), window.monitorPanel());
+}
+
+TEST_F(MainWindowTest, ClosingWhileConnectedToAServerThatNeverAnswersEndsQuickly)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForClose();
+    server.start();
+    MainWindow window;
+    window.show();
+    window.monitorPanel()->connectTo(QStringLiteral("127.0.0.1"), server.port());
+    QElapsedTimer clock;
+    clock.start();
+    while (server.received().empty() && clock.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    ASSERT_FALSE(server.received().empty());
+
+    clock.restart();
+    EXPECT_TRUE(window.close());
+    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_TRUE(geometryStored());
+    server.finish();
 }

@@ -1,6 +1,14 @@
+#include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
+
+#include "qtprinters.h"
+#include "scriptedserver.h"
 
 namespace {
 
@@ -50,5 +58,44 @@ TEST(Program, UnknownOptionIsRefused)
     const ProcessResult run = runMonitor({QStringLiteral("--no-such-option")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("Unknown option 'no-such-option'.")))
+        << run.err.toStdString();
+}
+
+TEST(Program, ConnectOptionFillsTheFieldsAndConnectsOnceTheWindowShows)
+{
+    ScriptedServer server;
+    server.acceptConnection().answerEveryLine("{\"result\":[]}\n");
+    server.start();
+
+    QTemporaryDir config;
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KORVANE_MONITOR_PATH),
+        {QStringLiteral("--connect"), QStringLiteral("127.0.0.1:%1").arg(server.port())});
+    QElapsedTimer clock;
+    clock.start();
+    while (server.received().find("listNodes") == std::string::npos && clock.elapsed() < 10000)
+        QThread::msleep(20);
+    process.terminate();
+    process.waitForFinished(5000);
+    server.finish();
+
+    EXPECT_EQ(server.received().substr(0, 62),
+        "{\"id\":0,\"method\":\"listBatches\"}\n{\"id\":1,\"method\":\"listNodes\"}\n");
+    QSettings stored(
+        QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf")), QSettings::IniFormat);
+    EXPECT_EQ(stored.value(QStringLiteral("main/network_host")).toString(), QStringLiteral("127.0.0.1"));
+    EXPECT_EQ(stored.value(QStringLiteral("main/network_port")).toInt(), server.port());
+}
+
+TEST(Program, ConnectOptionWithABadPortIsRefused)
+{
+    const ProcessResult run = runMonitor({QStringLiteral("--connect"), QStringLiteral("farm:http")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.endsWith(
+        QStringLiteral("korvane-monitor: --connect: \"http\" is not a port number (0 to 65535)\n")))
         << run.err.toStdString();
 }
