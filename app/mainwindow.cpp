@@ -21,7 +21,7 @@ MainWindow::MainWindow()
 
     monitor = new Monitor(this);
     setCentralWidget(monitor);
-    resize(900, 640);
+    resize(1000, 680);
 
     exitAction = new QAction(this);
     exitAction->setShortcuts(QKeySequence::Quit);

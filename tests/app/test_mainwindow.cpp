@@ -75,7 +75,7 @@ TEST_F(MainWindowTest, FirstStartOpensAtTheDefaultSizeWithReadyInTheStatusBar)
 {
     MainWindow window;
     window.show();
-    EXPECT_EQ(window.size(), QSize(900, 640));
+    EXPECT_EQ(window.size(), QSize(1000, 680));
     EXPECT_EQ(window.statusBar()->currentMessage(), QStringLiteral("Ready"));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Korvane Network Monitor"));
     ASSERT_NE(window.centralWidget(), nullptr);
