@@ -7,7 +7,7 @@ packages=(
     build-essential cmake ninja-build pkg-config ccache
     qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
     libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev
-    xvfb xauth x11-apps x11-utils imagemagick locales lldb
+    xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
 )
 
 missing=()

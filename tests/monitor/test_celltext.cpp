@@ -316,3 +316,52 @@ TEST(TaskLines, BarValueIsTruncatedAndShownOnlyWhileWorking)
     task.status = ControlClient::InProgress;
     EXPECT_TRUE(taskShowsBar(task));
 }
+
+namespace {
+
+// Time stamps around the year, around daylight-saving changes and at the
+// ends of the 32-bit range.
+std::vector<std::uint32_t> sampleTimes()
+{
+    std::vector<std::uint32_t> times = {0, 1, 59, 86399, 86400, 951782400, 1711846799, 1711846800, 1711850400,
+        1729990799, 1729990800, 1729994400, 2147483647u, 4294967295u};
+    std::uint32_t t = 12345;
+    for (int i = 0; i < 2000; ++i) {
+        t = t * 1664525u + 1013904223u;
+        times.push_back(t);
+    }
+    return times;
+}
+
+void expectSameAsQDateTime()
+{
+    for (std::uint32_t time : sampleTimes()) {
+        const QDateTime local = QDateTime::fromSecsSinceEpoch(time);
+        ASSERT_EQ(startedText(time), local.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"))) << time;
+        ASSERT_EQ(errorStamp(time, local.date()), local.toString(QStringLiteral("[hh:mm:ss]"))) << time;
+        ASSERT_EQ(errorStamp(time, local.date().addDays(1)),
+            local.toString(QStringLiteral("[dd.MM.yyyy hh:mm:ss]")))
+            << time;
+    }
+}
+
+} // namespace
+
+TEST(TimeTexts, MatchQDateTimeInLocalTime)
+{
+    expectSameAsQDateTime();
+}
+
+TEST(TimeTexts, MatchQDateTimeAcrossDaylightSavingChanges)
+{
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
+    expectSameAsQDateTime();
+    EXPECT_EQ(startedText(1711846800), QStringLiteral("2024-03-31 03:00:00"));
+    if (zone.isNull())
+        qunsetenv("TZ");
+    else
+        qputenv("TZ", zone);
+    tzset();
+}
