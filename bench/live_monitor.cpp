@@ -1,7 +1,8 @@
 // Timed harness: the monitor panel connected to a simulated farm for a while.
 // Prints resident memory over time, the longest stall of the event loop and
-// the process's CPU use.
-//   build/bin/live_monitor SECONDS [korvane-sim options...]
+// the process's CPU use on standard error; the client's own console lines
+// stay on standard output.
+//   build/bin/live_monitor SECONDS [korvane-sim options...] >/dev/null
 //   build/bin/live_monitor 600 --batches 10000 --nodes 2000
 //   build/bin/live_monitor 60 --batches 20 --nodes 8
 #include <cstdio>
@@ -79,17 +80,17 @@ int main(int argc, char** argv)
     ticker.start(10);
 
     const double cpuStart = cpuSeconds();
-    std::printf("time_s rss_kib batches nodes longest_stall_ms\n");
+    std::fprintf(stderr, "time_s rss_kib batches nodes longest_stall_ms\n");
     QTimer sampler;
     int sample = 0;
     QObject::connect(&sampler, &QTimer::timeout, [&] {
         ++sample;
         if (sample % 10 == 0 || sample <= 3) {
-            std::printf("%6d %7ld %7d %5d %6lld\n", sample, residentKiB(),
+            std::fprintf(stderr, "%6d %7ld %7d %5d %6lld\n", sample, residentKiB(),
                 panel.findChild<QTreeWidget*>(QStringLiteral("treeBatches"))->topLevelItemCount(),
                 panel.findChild<QTreeWidget*>(QStringLiteral("treeNodes"))->topLevelItemCount(),
                 static_cast<long long>(longestStall));
-            std::fflush(stdout);
+            std::fflush(stderr);
         }
         if (sample >= seconds)
             QCoreApplication::quit();
@@ -100,10 +101,10 @@ int main(int argc, char** argv)
     app.exec();
 
     const double cpu = cpuSeconds() - cpuStart;
-    std::printf("cpu: %.2f s over %d s = %.2f %% of one core\n", cpu, seconds, 100.0 * cpu / seconds);
-    std::printf(
+    std::fprintf(stderr, "cpu: %.2f s over %d s = %.2f %% of one core\n", cpu, seconds, 100.0 * cpu / seconds);
+    std::fprintf(stderr, 
         "longest event-loop stall after the first 5 s: %lld ms\n", static_cast<long long>(longestStall));
-    std::printf("resident memory at the end: %ld KiB\n", residentKiB());
+    std::fprintf(stderr, "resident memory at the end: %ld KiB\n", residentKiB());
     panel.shutdown(5000);
     sim.terminate();
     sim.waitForFinished(5000);

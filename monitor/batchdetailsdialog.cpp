@@ -6,6 +6,7 @@
 #include "celltext.h"
 #include "taskdisplaynames.h"
 #include "taskstatuswidget.h"
+#include "threadhandover.h"
 
 BatchDetailsDialog::BatchDetailsDialog(QWidget* parent)
     : QDialog(parent, Qt::WindowCloseButtonHint)
@@ -18,6 +19,7 @@ BatchDetailsDialog::~BatchDetailsDialog() = default;
 
 void BatchDetailsDialog::setBatchStatus(const ControlClient::BatchStatus& status)
 {
+    takeHandOver();
     ui.editPath->setText(QString::fromStdString(status.path));
 
     for (std::size_t i = 0; i < status.tasks.size(); ++i) {

@@ -11,6 +11,7 @@
 #include "celltext.h"
 #include "metatypes.h"
 #include "taskdisplaynames.h"
+#include "threadhandover.h"
 #include "treerows.h"
 
 Monitor::Monitor(QWidget* parent)
@@ -83,7 +84,10 @@ bool Monitor::shutdown(int timeoutMs)
     // The worker's finished() would reach quit() through this thread's event
     // loop, which is not running while we wait; quitting now is the same.
     thread.quit();
-    return thread.wait(QDeadlineTimer(timeoutMs));
+    if (!thread.wait(QDeadlineTimer(timeoutMs)))
+        return false;
+    takeHandOver();
+    return true;
 }
 
 void Monitor::connectTo(const QString& host, int port)
@@ -97,21 +101,25 @@ void Monitor::connectTo(const QString& host, int port)
 
 void Monitor::updateBatches(const ControlClient::BatchList& info)
 {
+    takeHandOver();
     batchRows->showBatches(info);
 }
 
 void Monitor::updateNodes(const ControlClient::NodeList& info)
 {
+    takeHandOver();
     nodeRows->showNodes(info, QDate::currentDate());
 }
 
 void Monitor::error(const QString& message)
 {
+    takeHandOver();
     QMessageBox::warning(this, QStringLiteral("Korvane Monitor"), message, QMessageBox::Ok);
 }
 
 void Monitor::finish()
 {
+    takeHandOver();
     connected = false;
     ui.buttonConnect->setText(tr("Connect"));
 }
@@ -125,6 +133,7 @@ void Monitor::onConnectClicked()
 
     // a previous connection may still be winding down
     thread.wait();
+    takeHandOver();
 
     const QString host = ui.editHost->text();
     const int port = ui.spinPort->value();

@@ -1,11 +1,15 @@
 #include "monitorworker.h"
 
 #include <chrono>
+#include <fcntl.h>
 #include <iostream>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
+
+#include "threadhandover.h"
 
 namespace {
 
@@ -21,11 +25,18 @@ void report(const char* line)
 
 } // namespace
 
-MonitorWorker::MonitorWorker() = default;
+MonitorWorker::MonitorWorker()
+{
+    if (::pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        wakePipe[0] = wakePipe[1] = -1;
+}
 
 MonitorWorker::~MonitorWorker()
 {
     withdrawSocket();
+    for (int descriptor : wakePipe)
+        if (descriptor != -1)
+            ::close(descriptor);
 }
 
 void MonitorWorker::enqueueCommand(int type, std::uint32_t id, int priority)
@@ -53,7 +64,9 @@ void MonitorWorker::abort()
     // at once; the client then closes its own descriptor as on any loss.
     if (abortSocket != -1)
         ::shutdown(abortSocket, SHUT_RDWR);
-    abortWake.notify_all();
+    // wakes the pause between turns; the pipe stays readable from now on
+    if (wakePipe[1] != -1)
+        (void)!::write(wakePipe[1], "x", 1);
 }
 
 void MonitorWorker::run()
@@ -67,9 +80,11 @@ void MonitorWorker::run()
         ControlClient client;
         if (!client.init()) {
             report("can't initialize network client");
+            markHandOver();
             emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Network failure")));
         } else if (isAborted() || !client.connect(host, port)) {
             report("can't connect to server");
+            markHandOver();
             emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Can't connect to server")));
         } else {
             publishSocket(client);
@@ -77,6 +92,7 @@ void MonitorWorker::run()
                 if (isAborted())
                     break;
                 if (!client.isConnected()) {
+                    markHandOver();
                     emit error(errorText(QT_TRANSLATE_NOOP("Errors", "Disconnected from server")));
                     break;
                 }
@@ -101,27 +117,34 @@ void MonitorWorker::run()
                 ControlClient::BatchList batches;
                 if (!client.listBatches(batches))
                     report("can't get batch list");
+                markHandOver();
                 emit batchesUpdated(batches);
 
                 ControlClient::NodeList nodes;
                 if (!client.listNodes(nodes))
                     report("can't get node list");
+                markHandOver();
                 emit nodesUpdated(nodes);
 
                 if (followedBatch != ControlClient::NoId) {
                     ControlClient::BatchStatus status;
-                    if (client.getBatchStatus(followedBatch, status))
+                    if (client.getBatchStatus(followedBatch, status)) {
+                        markHandOver();
                         emit batchStatusUpdated(status);
-                    else
+                    } else {
                         report("can't get batch status");
+                    }
                 }
 
                 sleepOneSecond();
             }
             withdrawSocket();
         }
+        markHandOver();
         emit finished();
     }
+    // the client's last console line and everything else this run wrote
+    markHandOver();
 }
 
 void MonitorWorker::carryOut(ControlClient& client, const MonitorCommand& command)
@@ -193,6 +216,15 @@ bool MonitorWorker::isAborted()
 
 void MonitorWorker::sleepOneSecond()
 {
-    std::unique_lock<std::mutex> lock(abortLock);
-    abortWake.wait_for(lock, std::chrono::seconds(1), [this] { return aborted; });
+    // poll() measures its time-out on the monotonic clock, so a change of
+    // the system time does not stretch the pause
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    for (;;) {
+        const auto left
+            = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        if (left.count() <= 0 || isAborted())
+            return;
+        pollfd wake {wakePipe[0], POLLIN, 0};
+        ::poll(&wake, wakePipe[0] == -1 ? 0 : 1, int(left.count()));
+    }
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -93,7 +92,7 @@ private:
     Mutex mutex;
 
     std::mutex abortLock;
-    std::condition_variable abortWake;
     bool aborted = false;
     int abortSocket = -1;
+    int wakePipe[2] = {-1, -1};
 };

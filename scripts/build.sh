@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Configures and builds one build tree.
 #   scripts/build.sh [BUILD_DIR] [extra cmake arguments...]
+# KORVANE_TARGETS="a b" builds only those targets.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 dir=${1:-build}
@@ -14,4 +15,8 @@ if [[ ! -f "$dir/CMakeCache.txt" ]]; then
 else
     cmake -S . -B "$dir" "$@" >/dev/null
 fi
-cmake --build "$dir" -j"$(nproc)"
+targets=()
+for target in ${KORVANE_TARGETS:-}; do
+    targets+=(--target "$target")
+done
+cmake --build "$dir" -j"$(nproc)" "${targets[@]}"

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Fresh machine to green: installs what is missing, builds, runs every test,
-# then builds again with AddressSanitizer and UndefinedBehaviorSanitizer and
-# runs every test once more.
+# builds again with AddressSanitizer and UndefinedBehaviorSanitizer and runs
+# every test once more, then runs the worker and panel tests, the only code
+# with threads of its own, under ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,3 +16,9 @@ export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=address,undefined
 ctest --test-dir build-asan --output-on-failure -j2
+
+threaded="test_monitorworker test_monitor test_contextmenus test_monitorsimulator"
+export TSAN_OPTIONS=suppressions=$PWD/tests/tsan.supp:halt_on_error=1:ignore_noninstrumented_modules=1
+KORVANE_TARGETS="$threaded korvane_translations" \
+    bash scripts/build.sh build-tsan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=thread
+ctest --test-dir build-tsan --output-on-failure -j2 -R "^(${threaded// /|})\$"

@@ -9,7 +9,6 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QThread>
@@ -17,6 +16,7 @@
 #include <QTreeWidget>
 
 #include "monitor.h"
+#include "waituntil.h"
 
 // Widgets of a panel, found by their object names as a user's tools would.
 struct PanelWidgets
@@ -36,19 +36,6 @@ struct PanelWidgets
     QTreeWidget* batches;
     QTreeWidget* nodes;
 };
-
-// Runs events until done() or the time is up.
-inline bool waitUntil(const std::function<bool()>& done, int timeoutMs = 10000)
-{
-    QDeadlineTimer deadline(timeoutMs);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
-}
 
 // Answers every warning box the panel opens, remembering title and text.
 class MessageBoxCatcher final : public QObject
@@ -130,33 +117,3 @@ inline MenuVisit chooseFromMenu(QTreeWidget* tree, int row, const QStringList& p
 {
     return chooseFromMenu(tree, tree->visualItemRect(tree->topLevelItem(row)).center(), path);
 }
-
-// The real simulator as a separate process on a free loopback port.
-class SimulatorProcess final
-{
-public:
-    explicit SimulatorProcess(const QStringList& arguments)
-    {
-        m_process.setProgram(QStringLiteral(KORVANE_SIM_PATH));
-        m_process.setArguments(
-            QStringList {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")} + arguments);
-        m_process.start();
-        if (m_process.waitForReadyRead(10000)) {
-            const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
-            m_port = line.section(QLatin1Char(':'), -1).toInt();
-        }
-    }
-    ~SimulatorProcess()
-    {
-        m_process.terminate();
-        if (!m_process.waitForFinished(5000))
-            m_process.kill();
-        m_process.waitForFinished();
-    }
-
-    int port() const { return m_port; }
-
-private:
-    QProcess m_process;
-    int m_port = 0;
-};

@@ -1,3 +1,4 @@
+#include <QDateTime>
 #include <QListWidget>
 #include <QScopeGuard>
 
@@ -7,6 +8,7 @@
 #include "consolecapture.h"
 #include "monitor.h"
 #include "paneltestsupport.h"
+#include "runningsim.h"
 #include "taskstatuswidget.h"
 #include "testenvironment.h"
 
@@ -28,14 +30,15 @@ int rowWithStatus(QTreeWidget* tree, const QString& status)
     return -1;
 }
 
-// The panel connected to the real simulator process.
+// The panel connected to the simulator, served from a thread of this process
+// with its clock running 20 times faster than real time.
 class MonitorOnSimulator : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
         TestEnvironment::clearSettings();
-        ASSERT_GT(sim.port(), 0);
+        ASSERT_TRUE(sim.listening());
         panel.show();
         panel.connectTo(QStringLiteral("127.0.0.1"), sim.port());
         ASSERT_TRUE(waitUntil(
@@ -45,7 +48,24 @@ protected:
     }
     void TearDown() override { panel.shutdown(5000); }
 
-    SimulatorProcess sim {{"--seed", "1", "--batches", "20", "--nodes", "8", "--speed", "20"}};
+    static FarmConfig farm()
+    {
+        FarmConfig config;
+        config.seed = 1;
+        config.batches = 20;
+        config.nodes = 8;
+        config.startTime = std::uint32_t(QDateTime::currentSecsSinceEpoch());
+        return config;
+    }
+    static ServerConfig running()
+    {
+        ServerConfig config;
+        config.tickMs = 100;
+        config.speed = 20;
+        return config;
+    }
+
+    RunningSim sim {farm(), running()};
     ConsoleCapture console;
     Monitor panel {nullptr};
     PanelWidgets ui {panel};

@@ -50,9 +50,9 @@ TEST(MonitorWorker, ACyclePollsBatchesThenNodesOncePerSecond)
     QElapsedTimer clock;
     harness.start();
     clock.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:1") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:1") == 1; }));
     const qint64 firstCycle = clock.elapsed();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     const qint64 secondCycle = clock.elapsed();
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
@@ -78,7 +78,7 @@ TEST(MonitorWorker, WithNoBatchFollowedNoStatusIsRequested)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
@@ -99,7 +99,7 @@ TEST(MonitorWorker, FollowedBatchIsPolledAfterTheLists)
     ConsoleCapture console;
     harness.worker.setStatusBatch(4294967294u);
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("status:/p/followed.psx") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("status:/p/followed.psx") == 1; }));
     harness.worker.setStatusBatch(ControlClient::NoId);
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
@@ -121,7 +121,7 @@ TEST(MonitorWorker, FailedStatusIsLoggedAndNotEmitted)
     ConsoleCapture console;
     harness.worker.setStatusBatch(7);
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.setStatusBatch(ControlClient::NoId);
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
@@ -139,7 +139,7 @@ TEST(MonitorWorker, PauseThenStopThenResumeSendsOnlyThePause)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 5, 0);
     harness.worker.disconnect();
     harness.worker.enqueueCommand(MonitorWorker::ResumeBatch, 5, 0);
@@ -163,7 +163,7 @@ TEST(MonitorWorker, EveryCommandSendsItsRequestsInQueueOrder)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.enqueueCommand(1, 11, 0);
     harness.worker.enqueueCommand(2, 12, 0);
     harness.worker.enqueueCommand(3, 13, 0);
@@ -174,7 +174,7 @@ TEST(MonitorWorker, EveryCommandSendsItsRequestsInQueueOrder)
     harness.worker.enqueueCommand(9, 19, 0);
     harness.worker.enqueueCommand(8, 18, 2);
     harness.worker.enqueueCommand(-1, 20, 0);
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 2; }));
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
@@ -205,10 +205,10 @@ TEST(MonitorWorker, EachFailedCommandWritesItsLineAndTheTurnGoesOn)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     for (int type = 1; type <= 8; ++type)
         harness.worker.enqueueCommand(type, 3, 1);
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 2; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 2; }));
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
@@ -237,7 +237,7 @@ TEST(MonitorWorker, StoppingANodeWhosePauseFailsStillSendsTheAbort)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.enqueueCommand(MonitorWorker::StopNode, 3, 0);
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
@@ -261,7 +261,7 @@ TEST(MonitorWorker, CommandsQueuedBeforeTheConnectionAreDropped)
     harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 1, 0);
     harness.worker.disconnect();
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
     harness.worker.disconnect();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
@@ -280,7 +280,7 @@ TEST(MonitorWorker, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
     EXPECT_EQ(recorder.events,
         (std::vector<std::string> {"batches:0", "nodes:0", "error:Disconnected from server", "finished"}));
     EXPECT_EQ(console.text(),
@@ -295,7 +295,7 @@ TEST(MonitorWorker, WrongHostNameEndsAtOnceWithCantConnect)
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
     EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(console.text(), "can't connect to server\n");
     EXPECT_FALSE(console.wideText().empty());
@@ -313,7 +313,7 @@ TEST(MonitorWorker, RefusedConnectionEndsWithCantConnect)
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
     EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(
         console.text(), "can't connect to 127.0.0.1:" + std::to_string(port) + "\ncan't connect to server\n");
@@ -328,13 +328,13 @@ TEST(MonitorWorker, AbortEndsARunStuckOnAServerThatNeverAnswers)
     WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return server.received().size() > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return server.received().size() > 0; }));
     QElapsedTimer clock;
     clock.start();
     harness.worker.abort();
     ASSERT_TRUE(harness.waitForEnd(2000));
     server.finish();
     EXPECT_LT(clock.elapsed(), 2000);
-    ASSERT_TRUE(WorkerHarness::waitUntil([&] { return recorder.count("finished") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
     EXPECT_EQ(recorder.count("error:Disconnected from server"), 0);
 }

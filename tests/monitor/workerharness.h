@@ -10,6 +10,8 @@
 #include <QThread>
 
 #include "monitorworker.h"
+#include "threadhandover.h"
+#include "waituntil.h"
 
 // Records what a worker signals, received on the test's own thread.
 class WorkerRecorder final : public QObject
@@ -18,18 +20,28 @@ public:
     explicit WorkerRecorder(MonitorWorker& worker)
     {
         connect(&worker, &MonitorWorker::batchesUpdated, this, [this](const ControlClient::BatchList& list) {
+            takeHandOver();
             events.push_back("batches:" + std::to_string(list.size()));
             lastBatches = list;
         });
         connect(&worker, &MonitorWorker::nodesUpdated, this, [this](const ControlClient::NodeList& list) {
+            takeHandOver();
             events.push_back("nodes:" + std::to_string(list.size()));
             lastNodes = list;
         });
         connect(&worker, &MonitorWorker::batchStatusUpdated, this,
-            [this](const ControlClient::BatchStatus& status) { events.push_back("status:" + status.path); });
-        connect(&worker, &MonitorWorker::error, this,
-            [this](const QString& message) { events.push_back("error:" + message.toStdString()); });
-        connect(&worker, &MonitorWorker::finished, this, [this] { events.push_back("finished"); });
+            [this](const ControlClient::BatchStatus& status) {
+                takeHandOver();
+                events.push_back("status:" + status.path);
+            });
+        connect(&worker, &MonitorWorker::error, this, [this](const QString& message) {
+            takeHandOver();
+            events.push_back("error:" + message.toStdString());
+        });
+        connect(&worker, &MonitorWorker::finished, this, [this] {
+            takeHandOver();
+            events.push_back("finished");
+        });
     }
 
     int count(const std::string& event) const
@@ -68,19 +80,6 @@ public:
 
     void start() { thread.start(); }
 
-    // Runs the test thread's events until done() or the time is up.
-    static bool waitUntil(const std::function<bool()>& done, int timeoutMs = 10000)
-    {
-        QDeadlineTimer deadline(timeoutMs);
-        while (!done()) {
-            if (deadline.hasExpired())
-                return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-            QThread::msleep(2);
-        }
-        return true;
-    }
-
     // The worker's finished() reaches the thread's quit() through this
     // thread's events, so they run while waiting.
     bool waitForEnd(int timeoutMs = 10000)
@@ -92,6 +91,7 @@ public:
             QCoreApplication::processEvents();
         }
         QCoreApplication::processEvents();
+        takeHandOver();
         return true;
     }
 
