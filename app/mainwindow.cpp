@@ -84,7 +84,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     if (!monitor->shutdown(1500)) {
         std::fputs("korvane-monitor: the connection did not end in time; leaving without it\n", stderr);
         std::fflush(nullptr);
-        std::_Exit(0);
+        std::_Exit(EXIT_FAILURE);
     }
     QWidget::closeEvent(event);
 }
