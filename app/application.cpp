@@ -78,7 +78,7 @@ QString Application::loadUserLanguage()
 
 QStringList Application::availableLanguages()
 {
-    return availableLanguages(QCoreApplication::applicationDirPath() + QStringLiteral("/lang"));
+    return availableLanguages(translationDirectory());
 }
 
 QStringList Application::availableLanguages(const QString& directory)

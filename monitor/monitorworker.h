@@ -12,8 +12,6 @@
 #include "metatypes.h"
 #include "mutex.h"
 
-class ControlClient;
-
 // One command queued by the user interface for the worker's next turn.
 struct MonitorCommand
 {

@@ -122,25 +122,26 @@ void TreeRows::resizeTopLevelItems(QTreeWidget* tree, int count)
     }
 }
 
-void TreeRows::showBatches(const ControlClient::BatchList& batches)
+template <typename Fields, typename Record, typename WriteRow>
+void TreeRows::show(const std::vector<Record>& records, std::vector<Fields>& shown, WriteRow writeRow)
 {
-    resizeTopLevelItems(m_tree, int(batches.size()));
-    if (m_batches.size() > batches.size())
-        m_batches.resize(batches.size(), BatchFields(ControlClient::BatchInfo()));
+    resizeTopLevelItems(m_tree, int(records.size()));
+    if (shown.size() > records.size())
+        shown.erase(shown.begin() + records.size(), shown.end());
 
     int first = -1;
     int last = -1;
     {
         const QSignalBlocker quiet(m_tree->model());
-        for (std::size_t i = 0; i < batches.size(); ++i) {
-            const ControlClient::BatchInfo& batch = batches[i];
-            if (i < m_batches.size() && m_batches[i] == batch)
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            const Record& record = records[i];
+            if (i < shown.size() && shown[i] == record)
                 continue;
-            writeRow(m_tree->topLevelItem(int(i)), batchCells(batch), batch.batchId);
-            if (i < m_batches.size())
-                m_batches[i] = BatchFields(batch);
+            writeRow(m_tree->topLevelItem(int(i)), record);
+            if (i < shown.size())
+                shown[i] = Fields(record);
             else
-                m_batches.emplace_back(batch);
+                shown.emplace_back(record);
             if (first < 0)
                 first = int(i);
             last = int(i);
@@ -149,36 +150,23 @@ void TreeRows::showBatches(const ControlClient::BatchList& batches)
     announce(first, last);
 }
 
+void TreeRows::showBatches(const ControlClient::BatchList& batches)
+{
+    show(batches, m_batches, [](QTreeWidgetItem* item, const ControlClient::BatchInfo& batch) {
+        writeRow(item, batchCells(batch), batch.batchId);
+    });
+}
+
 void TreeRows::showNodes(const ControlClient::NodeList& nodes, const QDate& today)
 {
-    resizeTopLevelItems(m_tree, int(nodes.size()));
     if (today != m_nodesDay) {
         // the error stamps change form at midnight
         m_nodes.clear();
         m_nodesDay = today;
     }
-    if (m_nodes.size() > nodes.size())
-        m_nodes.resize(nodes.size(), NodeFields(ControlClient::NodeInfo()));
-
-    int first = -1;
-    int last = -1;
-    {
-        const QSignalBlocker quiet(m_tree->model());
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            const ControlClient::NodeInfo& node = nodes[i];
-            if (i < m_nodes.size() && m_nodes[i] == node)
-                continue;
-            writeRow(m_tree->topLevelItem(int(i)), nodeCells(node, today), node.nodeId);
-            if (i < m_nodes.size())
-                m_nodes[i] = NodeFields(node);
-            else
-                m_nodes.emplace_back(node);
-            if (first < 0)
-                first = int(i);
-            last = int(i);
-        }
-    }
-    announce(first, last);
+    show(nodes, m_nodes, [&today](QTreeWidgetItem* item, const ControlClient::NodeInfo& node) {
+        writeRow(item, nodeCells(node, today), node.nodeId);
+    });
 }
 
 void TreeRows::announce(int firstRow, int lastRow)

@@ -40,6 +40,9 @@ private:
     struct BatchFields;
     struct NodeFields;
 
+    // Rewrites the rows whose shown fields differ from the record now there.
+    template <typename Fields, typename Record, typename WriteRow>
+    void show(const std::vector<Record>& records, std::vector<Fields>& shown, WriteRow writeRow);
     void announce(int firstRow, int lastRow);
 
     QTreeWidget* m_tree;

@@ -2,15 +2,18 @@
 # Runs lupdate over the sources into a copy of each catalogue and fails when a
 # text has no finished translation or the catalogue is out of date.
 set -euo pipefail
+#   check_translations.sh LUPDATE SOURCE_ROOT FOLDER...
 lupdate=$1
 root=$2
+shift 2
+folders=("$@")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 status=0
 for ts in "$root"/lang/monitor_*.ts; do
     copy=$work/$(basename "$ts")
     cp "$ts" "$copy"
-    (cd "$root" && "$lupdate" -silent -locations none -no-obsolete app monitor crash -ts "$copy")
+    (cd "$root" && "$lupdate" -silent -locations none -no-obsolete "${folders[@]}" -ts "$copy")
     if grep -q 'type="unfinished"\|type="vanished"\|type="obsolete"' "$copy"; then
         echo "FAIL: $(basename "$ts") has texts without a finished translation:"
         grep -B3 'type="unfinished"' "$copy" | grep '<source>' || true

@@ -23,6 +23,45 @@ std::string lines(std::initializer_list<const char*> texts)
     return all;
 }
 
+// A worker against a scripted server on loopback; the test writes the script
+// into `server` before start().
+class WorkerOnServer : public ::testing::Test
+{
+protected:
+    void start()
+    {
+        server.start();
+        harness.start();
+    }
+
+    // Waits until the worker has polled the node list this many times.
+    bool turnsDone(int turns)
+    {
+        return waitUntil([&] {
+            int polls = 0;
+            for (const std::string& event : recorder().events)
+                polls += event.rfind("nodes:", 0) == 0;
+            return polls >= turns;
+        });
+    }
+
+    // Stops the worker as the panel's Disconnect does and waits for the end.
+    bool stop()
+    {
+        worker().disconnect();
+        const bool ended = harness.waitForEnd();
+        server.finish();
+        return ended;
+    }
+
+    MonitorWorker& worker() { return harness.worker; }
+    const WorkerRecorder& recorder() { return harness.recorder; }
+
+    ScriptedServer server;
+    ConsoleCapture console;
+    WorkerHarness harness {"127.0.0.1", server.port()};
+};
+
 } // namespace
 
 TEST(MonitorWorker, RecordTypesAreRegisteredUnderTheirNames)
@@ -33,151 +72,110 @@ TEST(MonitorWorker, RecordTypesAreRegisteredUnderTheirNames)
     EXPECT_TRUE(QMetaType::fromName("ControlClient::BatchStatus").isValid());
 }
 
-TEST(MonitorWorker, ACyclePollsBatchesThenNodesOncePerSecond)
+TEST_F(WorkerOnServer, ACyclePollsBatchesThenNodesOncePerSecond)
 {
-    ScriptedServer server;
     server.acceptConnection()
         .reply(R"({"result":[{"batch_id":4,"path":"/p/a.psx","status":"inprogress"}]})")
         .reply(R"({"result":[{"node_id":9,"hostname":"render-09:5841"}]})")
         .reply(EmptyList)
         .reply(EmptyList)
         .waitForClose();
-    server.start();
-
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
     QElapsedTimer clock;
-    harness.start();
+    start();
     clock.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:1") == 1; }));
+    ASSERT_TRUE(turnsDone(1));
     const qint64 firstCycle = clock.elapsed();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    ASSERT_TRUE(turnsDone(2));
     const qint64 secondCycle = clock.elapsed();
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    ASSERT_TRUE(stop());
 
     EXPECT_GE(secondCycle - firstCycle, 950);
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"listBatches"})", R"({"id":3,"method":"listNodes"})"}));
-    EXPECT_EQ(recorder.events,
+    EXPECT_EQ(recorder().events,
         (std::vector<std::string> {"batches:1", "nodes:1", "batches:0", "nodes:0", "finished"}));
-    ASSERT_EQ(recorder.lastBatches.size(), 0u);
+    ASSERT_EQ(recorder().lastBatches.size(), 0u);
     EXPECT_EQ(console.text(),
         "connected to 127.0.0.1:" + std::to_string(server.port()) + "\ndisconnected from server\n");
 }
 
-TEST(MonitorWorker, WithNoBatchFollowedNoStatusIsRequested)
+TEST_F(WorkerOnServer, WithNoBatchFollowedNoStatusIsRequested)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    ASSERT_TRUE(stop());
     EXPECT_EQ(server.received().find("getBatchStatus"), std::string::npos);
 }
 
-TEST(MonitorWorker, FollowedBatchIsPolledAfterTheLists)
+TEST_F(WorkerOnServer, FollowedBatchIsPolledAfterTheLists)
 {
-    ScriptedServer server;
     server.acceptConnection()
         .reply(EmptyList)
         .reply(EmptyList)
         .reply(R"({"result":{"path":"/p/followed.psx","tasks":[{"name":"AlignCameras"}]}})")
         .waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.worker.setStatusBatch(4294967294u);
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("status:/p/followed.psx") == 1; }));
-    harness.worker.setStatusBatch(ControlClient::NoId);
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    worker().setStatusBatch(4294967294u);
+    start();
+    ASSERT_TRUE(waitUntil([&] { return recorder().count("status:/p/followed.psx") == 1; }));
+    worker().setStatusBatch(ControlClient::NoId);
+    ASSERT_TRUE(stop());
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"getBatchStatus","params":{"batch_id":4294967294}})"}));
-    EXPECT_EQ(recorder.events,
+    EXPECT_EQ(recorder().events,
         (std::vector<std::string> {"batches:0", "nodes:0", "status:/p/followed.psx", "finished"}));
 }
 
-TEST(MonitorWorker, FailedStatusIsLoggedAndNotEmitted)
+TEST_F(WorkerOnServer, FailedStatusIsLoggedAndNotEmitted)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Failed).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.worker.setStatusBatch(7);
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.setStatusBatch(ControlClient::NoId);
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
-    EXPECT_EQ(recorder.events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
+    worker().setStatusBatch(7);
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    worker().setStatusBatch(ControlClient::NoId);
+    ASSERT_TRUE(stop());
+    EXPECT_EQ(recorder().events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
     EXPECT_NE(console.text().find("can't get batch status\n"), std::string::npos);
 }
 
-TEST(MonitorWorker, PauseThenStopThenResumeSendsOnlyThePause)
+TEST_F(WorkerOnServer, PauseThenStopThenResumeSendsOnlyThePause)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Ok).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 5, 0);
-    harness.worker.disconnect();
-    harness.worker.enqueueCommand(MonitorWorker::ResumeBatch, 5, 0);
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    worker().enqueueCommand(MonitorWorker::PauseBatch, 5, 0);
+    worker().disconnect();
+    worker().enqueueCommand(MonitorWorker::ResumeBatch, 5, 0);
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"pauseBatch","params":{"batch_id":5}})"}));
-    EXPECT_EQ(recorder.events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
+    EXPECT_EQ(recorder().events, (std::vector<std::string> {"batches:0", "nodes:0", "finished"}));
 }
 
-TEST(MonitorWorker, EveryCommandSendsItsRequestsInQueueOrder)
+TEST_F(WorkerOnServer, EveryCommandSendsItsRequestsInQueueOrder)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList);
     for (int i = 0; i < 10; ++i)
         server.reply(Ok);
     server.reply(EmptyList).reply(EmptyList).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.enqueueCommand(1, 11, 0);
-    harness.worker.enqueueCommand(2, 12, 0);
-    harness.worker.enqueueCommand(3, 13, 0);
-    harness.worker.enqueueCommand(4, 14, 0);
-    harness.worker.enqueueCommand(5, 15, 0);
-    harness.worker.enqueueCommand(6, 16, 0);
-    harness.worker.enqueueCommand(7, 17, -2);
-    harness.worker.enqueueCommand(9, 19, 0);
-    harness.worker.enqueueCommand(8, 18, 2);
-    harness.worker.enqueueCommand(-1, 20, 0);
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 2; }));
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    worker().enqueueCommand(1, 11, 0);
+    worker().enqueueCommand(2, 12, 0);
+    worker().enqueueCommand(3, 13, 0);
+    worker().enqueueCommand(4, 14, 0);
+    worker().enqueueCommand(5, 15, 0);
+    worker().enqueueCommand(6, 16, 0);
+    worker().enqueueCommand(7, 17, -2);
+    worker().enqueueCommand(9, 19, 0);
+    worker().enqueueCommand(8, 18, 2);
+    worker().enqueueCommand(-1, 20, 0);
+    ASSERT_TRUE(turnsDone(2));
+    ASSERT_TRUE(stop());
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"pauseNode","params":{"node_id":11}})",
@@ -193,25 +191,18 @@ TEST(MonitorWorker, EveryCommandSendsItsRequestsInQueueOrder)
     EXPECT_EQ(console.text().find("can't"), std::string::npos) << console.text();
 }
 
-TEST(MonitorWorker, EachFailedCommandWritesItsLineAndTheTurnGoesOn)
+TEST_F(WorkerOnServer, EachFailedCommandWritesItsLineAndTheTurnGoesOn)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList);
     for (int i = 0; i < 9; ++i)
         server.reply(Failed);
     server.reply(EmptyList).reply(EmptyList).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
+    start();
+    ASSERT_TRUE(turnsDone(1));
     for (int type = 1; type <= 8; ++type)
-        harness.worker.enqueueCommand(type, 3, 1);
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 2; }));
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+        worker().enqueueCommand(type, 3, 1);
+    ASSERT_TRUE(turnsDone(2));
+    ASSERT_TRUE(stop());
     const std::string port = std::to_string(server.port());
     EXPECT_EQ(console.text(),
         "connected to 127.0.0.1:" + port
@@ -228,20 +219,13 @@ TEST(MonitorWorker, EachFailedCommandWritesItsLineAndTheTurnGoesOn)
               "disconnected from server\n");
 }
 
-TEST(MonitorWorker, StoppingANodeWhosePauseFailsStillSendsTheAbort)
+TEST_F(WorkerOnServer, StoppingANodeWhosePauseFailsStillSendsTheAbort)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList).reply(Failed).reply(Ok).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.enqueueCommand(MonitorWorker::StopNode, 3, 0);
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    worker().enqueueCommand(MonitorWorker::StopNode, 3, 0);
+    ASSERT_TRUE(stop());
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"pauseNode","params":{"node_id":3}})",
@@ -250,38 +234,26 @@ TEST(MonitorWorker, StoppingANodeWhosePauseFailsStillSendsTheAbort)
     EXPECT_EQ(console.text().find("can't abort node"), std::string::npos);
 }
 
-TEST(MonitorWorker, CommandsQueuedBeforeTheConnectionAreDropped)
+TEST_F(WorkerOnServer, CommandsQueuedBeforeTheConnectionAreDropped)
 {
-    ScriptedServer server;
     server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.worker.enqueueCommand(MonitorWorker::PauseBatch, 1, 0);
-    harness.worker.disconnect();
-    harness.start();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("nodes:0") == 1; }));
-    harness.worker.disconnect();
-    ASSERT_TRUE(harness.waitForEnd());
-    server.finish();
+    worker().enqueueCommand(MonitorWorker::PauseBatch, 1, 0);
+    worker().disconnect();
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    ASSERT_TRUE(stop());
     EXPECT_EQ(
         server.received(), lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})"}));
 }
 
-TEST(MonitorWorker, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
+TEST_F(WorkerOnServer, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
 {
-    ScriptedServer server;
     server.acceptConnection().waitForLine().write(R"({"result":[{"batch_id)").closeConnection();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
+    start();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
-    EXPECT_EQ(recorder.events,
+    ASSERT_TRUE(waitUntil([&] { return recorder().count("finished") == 1; }));
+    EXPECT_EQ(recorder().events,
         (std::vector<std::string> {"batches:0", "nodes:0", "error:Disconnected from server", "finished"}));
     EXPECT_EQ(console.text(),
         "connected to 127.0.0.1:" + std::to_string(server.port())
@@ -291,12 +263,12 @@ TEST(MonitorWorker, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
 TEST(MonitorWorker, WrongHostNameEndsAtOnceWithCantConnect)
 {
     WorkerHarness harness("no-such-host.invalid", 5840);
-    WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
-    EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
+    ASSERT_TRUE(waitUntil([&] { return harness.recorder.count("finished") == 1; }));
+    EXPECT_EQ(
+        harness.recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(console.text(), "can't connect to server\n");
     EXPECT_FALSE(console.wideText().empty());
 }
@@ -309,32 +281,27 @@ TEST(MonitorWorker, RefusedConnectionEndsWithCantConnect)
         port = closed.port();
     }
     WorkerHarness harness("127.0.0.1", port);
-    WorkerRecorder recorder(harness.worker);
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
-    EXPECT_EQ(recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
+    ASSERT_TRUE(waitUntil([&] { return harness.recorder.count("finished") == 1; }));
+    EXPECT_EQ(
+        harness.recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(
         console.text(), "can't connect to 127.0.0.1:" + std::to_string(port) + "\ncan't connect to server\n");
 }
 
-TEST(MonitorWorker, AbortEndsARunStuckOnAServerThatNeverAnswers)
+TEST_F(WorkerOnServer, AbortEndsARunStuckOnAServerThatNeverAnswers)
 {
-    ScriptedServer server;
     server.acceptConnection().waitForClose();
-    server.start();
-    WorkerHarness harness("127.0.0.1", server.port());
-    WorkerRecorder recorder(harness.worker);
-    ConsoleCapture console;
-    harness.start();
+    start();
     ASSERT_TRUE(waitUntil([&] { return server.received().size() > 0; }));
     QElapsedTimer clock;
     clock.start();
-    harness.worker.abort();
+    worker().abort();
     ASSERT_TRUE(harness.waitForEnd(2000));
     server.finish();
     EXPECT_LT(clock.elapsed(), 2000);
-    ASSERT_TRUE(waitUntil([&] { return recorder.count("finished") == 1; }));
-    EXPECT_EQ(recorder.count("error:Disconnected from server"), 0);
+    ASSERT_TRUE(waitUntil([&] { return recorder().count("finished") == 1; }));
+    EXPECT_EQ(recorder().count("error:Disconnected from server"), 0);
 }

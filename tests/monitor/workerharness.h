@@ -57,7 +57,7 @@ public:
     ControlClient::NodeList lastNodes;
 };
 
-// A worker on its own thread, wired as the panel wires it.
+// A worker on its own thread, wired as the panel wires it, and what it signals.
 class WorkerHarness final
 {
 public:
@@ -97,4 +97,5 @@ public:
 
     QThread thread;
     MonitorWorker worker;
+    WorkerRecorder recorder {worker};
 };
