@@ -81,10 +81,15 @@ bool Monitor::shutdown(int timeoutMs)
     if (!thread.isRunning())
         return true;
     worker.abort();
-    // The worker's finished() would reach quit() through this thread's event
-    // loop, which is not running while we wait; quitting now is the same.
+    return waitForThread(QDeadlineTimer(timeoutMs));
+}
+
+bool Monitor::waitForThread(QDeadlineTimer deadline)
+{
+    // The worker's finished() reaches quit() through this thread's event
+    // loop, which does not run while we wait here; quitting now is the same.
     thread.quit();
-    if (!thread.wait(QDeadlineTimer(timeoutMs)))
+    if (!thread.wait(deadline))
         return false;
     takeHandOver();
     return true;
@@ -132,8 +137,7 @@ void Monitor::onConnectClicked()
     }
 
     // a previous connection may still be winding down
-    thread.wait();
-    takeHandOver();
+    waitForThread(QDeadlineTimer(QDeadlineTimer::Forever));
 
     const QString host = ui.editHost->text();
     const int port = ui.spinPort->value();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 
+#include <QDeadlineTimer>
 #include <QThread>
 #include <QWidget>
 
@@ -71,6 +72,8 @@ public slots:
 
 private:
     void setHeaders();
+    // Waits for the worker's thread to end; false if the deadline passed first.
+    bool waitForThread(QDeadlineTimer deadline);
 
     bool connected = false;
     std::uint32_t selectedNodeId = ControlClient::NoId;

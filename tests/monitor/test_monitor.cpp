@@ -370,6 +370,36 @@ TEST_F(MonitorPanel, ConnectingAgainAfterADisconnectStartsANewConnection)
     server.finish();
 }
 
+TEST_F(MonitorPanel, ConnectWhileTheLastThreadIsStillEndingWaitsForIt)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForLine().closeConnection();
+    server.acceptConnection().answerEveryLine(EmptyList + "\n");
+    server.start();
+    ConsoleCapture console;
+    MessageBoxCatcher boxes;
+    Monitor panel(nullptr);
+    const auto stop = qScopeGuard([&] { panel.shutdown(5000); });
+    PanelWidgets ui(panel);
+    panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
+    ASSERT_TRUE(waitUntil([&] { return server.received().find("listNodes") != std::string::npos; }));
+
+    // the panel believes it is idle while the worker's thread still runs
+    panel.finish();
+    ASSERT_EQ(ui.button->text(), QStringLiteral("Connect"));
+    ui.button->click();
+    // the click returned only after the first run had ended: its second turn went out
+    EXPECT_NE(server.received().find(R"({"id":2,"method":"listBatches"})"), std::string::npos);
+    ASSERT_TRUE(waitUntil([&] {
+        return server.received().find(R"({"id":2,"method":"listBatches"})"
+                                      "\n"
+                                      R"({"id":0,"method":"listBatches"})")
+            != std::string::npos;
+    }));
+    panel.shutdown(5000);
+    server.finish();
+}
+
 TEST_F(MonitorPanel, ShutdownEndsAConnectionToAServerThatNeverAnswers)
 {
     ScriptedServer server;
