@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QTimer>
 
 #include "application.h"
@@ -19,8 +20,11 @@ int main(int argc, char** argv)
 
     Application app(argc, argv);
 
-    const QStringList arguments = QCoreApplication::arguments();
-    const QByteArray programPath = arguments.isEmpty() ? QByteArray() : arguments.first().toUtf8();
+    // argv[0] need not hold a directory (a start through PATH or a desktop
+    // entry), and the reporter lies beside the real executable, not beside
+    // a link to it: take the running executable's own path, links resolved.
+    const QByteArray programPath
+        = QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath().toUtf8();
     CrashReporter::setVendor("Korvane");
     CrashReporter::setProductName("Monitor");
     CrashReporter::setVersion(Version::Major, Version::Minor, Version::Release, Version::Build);
