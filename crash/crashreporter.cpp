@@ -1,5 +1,6 @@
 #include "crashreporter.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
@@ -12,7 +13,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "minidumphandler.h"
+#include "client/linux/handler/exception_handler.h"
+#include "client/linux/handler/minidump_descriptor.h"
 
 extern char** environ;
 
@@ -21,10 +23,12 @@ namespace {
 constexpr std::size_t LogCapacity = 16384;
 constexpr std::size_t AnnotationLimit = 9999;
 constexpr const char* DataDirectoryVariable = "MOZ_CRASHREPORTER_DATA_DIRECTORY";
+// The signals the exception handler takes over.
+constexpr int CrashSignals[] = {SIGSEGV, SIGABRT, SIGFPE, SIGILL, SIGBUS, SIGTRAP};
 
 namespace state {
 
-std::unique_ptr<MinidumpHandler> handler;
+std::unique_ptr<google_breakpad::ExceptionHandler> handler;
 pthread_mutex_t logMutex;
 char vendor[1024];
 char productName[1024];
@@ -73,6 +77,22 @@ std::uint64_t sysconfMemorySize()
     if (pages <= 0 || pageSize <= 0)
         return 0;
     return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+}
+
+// Breakpad on Linux describes the dump it wrote as <directory>/<id>.dmp;
+// hand the directory and the id on. Runs in the crashed process: fixed
+// buffers only.
+bool minidumpWritten(const google_breakpad::MinidumpDescriptor& descriptor, void* context, bool succeeded)
+{
+    const char* path = descriptor.path();
+    const char* name = std::strrchr(path, '/');
+    name = name ? name + 1 : path;
+    std::size_t length = std::strlen(name);
+    if (length >= 4 && std::strcmp(name + length - 4, ".dmp") == 0)
+        length -= 4;
+    char minidumpId[256] = {};
+    std::memcpy(minidumpId, name, std::min(length, sizeof minidumpId - 1));
+    return CrashReporter::onMinidumpWritten(descriptor.directory().c_str(), minidumpId, context, succeeded);
 }
 
 } // namespace
@@ -148,7 +168,7 @@ bool CrashReporter::install()
     sigset_t crashSignals;
     sigemptyset(&emptyMask);
     sigemptyset(&crashSignals);
-    for (int signalNumber : MinidumpHandler::HandledSignals)
+    for (int signalNumber : CrashSignals)
         sigaddset(&crashSignals, signalNumber);
     if (posix_spawnattr_setsigmask(&state::spawnAttributes, &emptyMask) != 0
         || posix_spawnattr_setsigdefault(&state::spawnAttributes, &crashSignals) != 0
@@ -158,11 +178,9 @@ bool CrashReporter::install()
         return false;
     }
 
-    auto created = std::make_unique<MinidumpHandler>(
-        "/tmp/", nullptr, &CrashReporter::onMinidumpWritten, nullptr, true);
-    if (!created->isInstalled())
-        return false;
-    state::handler = std::move(created);
+    // -1: the dump is written in-process, with no crash server.
+    state::handler = std::make_unique<google_breakpad::ExceptionHandler>(
+        google_breakpad::MinidumpDescriptor("/tmp/"), nullptr, &minidumpWritten, nullptr, true, -1);
     writeStaticAnnotations();
     return true;
 }

@@ -9,10 +9,11 @@
 // advance. install() computes the data directory
 // (~/.<vendor>/<product>/Crash Reports, exported as
 // MOZ_CRASHREPORTER_DATA_DIRECTORY), prepares the spawn of
-// <application directory>/crashreporter and installs a MinidumpHandler that
-// writes dumps to /tmp/. At a crash onMinidumpWritten() writes
-// /tmp/<id>.extra and starts the reporter with the dump's path; it uses
-// only fixed buffers and system calls, no allocation and no locks.
+// <application directory>/crashreporter and installs Breakpad's exception
+// handler, which writes dumps of every thread to /tmp/. At a crash
+// onMinidumpWritten() writes /tmp/<id>.extra and starts the reporter with
+// the dump's path; it uses only fixed buffers and system calls, no
+// allocation and no locks.
 //
 // A CrashReporter object is the guard: it lives for the whole of main() and
 // uninstalls the handler when it goes.
@@ -37,7 +38,7 @@ public:
     static void appendLog(const std::string& text);
     static std::string unescapeLogText(const std::string& text);
 
-    // Called by the minidump handler after writing the dump.
+    // Called after Breakpad has written <dumpDirectory>/<minidumpId>.dmp.
     static bool onMinidumpWritten(
         const char* dumpDirectory, const char* minidumpId, void* context, bool succeeded);
 

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 
+#include "alternatesignalstack.h"
 #include "threadhandover.h"
 
 namespace {
@@ -71,6 +72,9 @@ void MonitorWorker::abort()
 
 void MonitorWorker::run()
 {
+    // A stack overflow on this thread must still end in a crash report.
+    const AlternateSignalStack signalStack;
+
     {
         std::lock_guard<Mutex> lock(mutex);
         commands.clear();

@@ -39,4 +39,37 @@ if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
         echo "setup: no de_DE.UTF-8 locale; the locale test will be skipped" >&2
     fi
 fi
+# Breakpad, the crash handler's client library, is not packaged for Debian.
+# The npm registry's "minidump" package carries its whole source tree and
+# Breakpad's own minidump_stackwalk, minidump_dump and dump_syms. Pinned by
+# version and tarball integrity; unpacked once into .cache/.
+breakpad_version=0.26.0
+breakpad_integrity=sha512-1CJ6kQDd1UawXgmht3pHKzLPuZPb8xrZlgrN+H6/3zKWsUKapTSF2FE7g2Nji/NnVi+GOsVwM8sm2md6BjJUgg==
+breakpad_cache=$(cd "$(dirname "$0")/.." && pwd)/.cache/minidump-$breakpad_version
+if [[ ! -f "$breakpad_cache/.unpacked" ]]; then
+    if ! command -v npm >/dev/null; then
+        if [[ $(id -u) -ne 0 ]]; then
+            echo "setup: npm is missing; run as root:" >&2
+            echo "  apt-get update && apt-get install -y --no-install-recommends npm" >&2
+            exit 1
+        fi
+        apt-get update -qq
+        apt-get install -y -qq --no-install-recommends npm >/dev/null
+    fi
+    download=$(mktemp -d)
+    trap 'rm -rf "$download"' EXIT
+    echo "setup: fetching minidump@$breakpad_version (Breakpad) from the npm registry"
+    (cd "$download" && npm pack --silent "minidump@$breakpad_version" >/dev/null 2>&1)
+    tarball=$download/minidump-$breakpad_version.tgz
+    actual="sha512-$(sha512sum "$tarball" | cut -c1-128 | tr a-f A-F | basenc --base16 -d | base64 -w0)"
+    if [[ "$actual" != "$breakpad_integrity" ]]; then
+        echo "setup: minidump-$breakpad_version.tgz has integrity $actual, expected $breakpad_integrity" >&2
+        exit 1
+    fi
+    rm -rf "$breakpad_cache"
+    mkdir -p "$breakpad_cache"
+    tar -xzf "$tarball" -C "$breakpad_cache"
+    touch "$breakpad_cache/.unpacked"
+fi
+
 echo "setup: all packages present"

@@ -1,7 +1,6 @@
 #include <cstdio>
-#include <cstring>
-#include <elf.h>
 #include <filesystem>
+#include <ostream>
 #include <regex>
 #include <signal.h>
 #include <sys/wait.h>
@@ -9,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "crashtestsupport.h"
-#include "minidumpformat.h"
 
 using namespace CrashTest;
 
@@ -19,8 +17,15 @@ struct CrashCase
 {
     const char* kind;
     int signalNumber;
+    const char* reason; // how the processor names the signal
+    const char* function; // where it happens
     bool otherThread;
 };
+
+void PrintTo(const CrashCase& crashCase, std::ostream* out)
+{
+    *out << crashCase.kind;
+}
 
 std::string describe(int status)
 {
@@ -29,33 +34,6 @@ std::string describe(int status)
     if (WIFEXITED(status))
         return "exit " + std::to_string(WEXITSTATUS(status));
     return "status " + std::to_string(status);
-}
-
-// The GNU build id of an ELF file, from its note segments.
-std::string buildIdOfFile(const std::string& path)
-{
-    const std::string file = readFile(path);
-    if (file.size() < sizeof(Elf64_Ehdr))
-        return {};
-    Elf64_Ehdr header;
-    std::memcpy(&header, file.data(), sizeof header);
-    for (unsigned i = 0; i < header.e_phnum; ++i) {
-        Elf64_Phdr ph;
-        std::memcpy(&ph, file.data() + header.e_phoff + i * sizeof ph, sizeof ph);
-        if (ph.p_type != PT_NOTE)
-            continue;
-        std::size_t at = ph.p_offset;
-        while (at + sizeof(Elf64_Nhdr) <= ph.p_offset + ph.p_filesz) {
-            Elf64_Nhdr note;
-            std::memcpy(&note, file.data() + at, sizeof note);
-            const std::size_t name = at + sizeof note;
-            const std::size_t desc = name + ((note.n_namesz + 3) & ~3u);
-            if (note.n_type == NT_GNU_BUILD_ID && std::memcmp(file.data() + name, "GNU", 4) == 0)
-                return file.substr(desc, note.n_descsz);
-            at = desc + ((note.n_descsz + 3) & ~3u);
-        }
-    }
-    return {};
 }
 
 class CrashInChild : public ::testing::TestWithParam<CrashCase>
@@ -102,7 +80,15 @@ protected:
 };
 
 const std::regex dumpPathPattern(
-    "^/tmp//([0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12})\\.dmp$");
+    "^/tmp//([0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}-[0-9a-f]{8})\\.dmp$");
+
+// Breakpad's processor, with our symbols and those of the system's
+// libraries it unwinds through.
+ProcessedDump process(const std::string& dumpPath)
+{
+    writeSystemSymbols(dumpPath, SYSTEM_SYMBOLS_DIR);
+    return processDump(dumpPath, {SYMBOLS_DIR, SYSTEM_SYMBOLS_DIR});
+}
 
 } // namespace
 
@@ -130,90 +116,58 @@ TEST_P(CrashInChild, WritesDumpAndExtraStartsReporterAndEndsAsWithoutHandler)
         "Vendor=Korvane\n"
         "Version=0.1.0.2834\n");
 
-    const MinidumpFile dump("/tmp/" + id + ".dmp");
-    ASSERT_TRUE(dump.isValid());
-    EXPECT_EQ(dump.signature(), 0x504d444du);
-    EXPECT_EQ(dump.version() & 0xffff, 0xa793u);
-    EXPECT_EQ(dump.u32(12), 32u) << "directory right after the header";
-    EXPECT_EQ(dump.streamTypes(),
-        (std::vector<std::uint32_t> {Minidump::SystemInfoStream, Minidump::ThreadListStream,
-            Minidump::ExceptionStream, Minidump::ModuleListStream, Minidump::MemoryListStream,
-            Minidump::LinuxMapsStream, Minidump::LinuxProcStatusStream}));
+    // Breakpad's own processor reads it, with the helper's symbols.
+    const ProcessedDump dump = process("/tmp/" + id + ".dmp");
+    EXPECT_EQ(dump.os, "Linux");
+    EXPECT_NE(dump.osVersion.find("Linux "), std::string::npos) << dump.osVersion;
+    EXPECT_EQ(dump.cpu, "amd64");
+    EXPECT_EQ(dump.cpuInfo.rfind("family ", 0), 0u);
+    EXPECT_NE(dump.cpuInfo.rfind("family 0 ", 0), 0u) << dump.cpuInfo;
+    for (const char* stream : {"MD_THREAD_LIST_STREAM", "MD_MODULE_LIST_STREAM", "MD_EXCEPTION_STREAM",
+             "MD_SYSTEM_INFO_STREAM", "MD_LINUX_CPU_INFO", "MD_LINUX_PROC_STATUS", "MD_LINUX_CMD_LINE",
+             "MD_LINUX_ENVIRON", "MD_LINUX_AUXV", "MD_LINUX_MAPS", "MD_LINUX_DSO_DEBUG"})
+        EXPECT_TRUE(dump.hasStream(stream)) << stream;
 
-    const auto [system, systemSize] = dump.stream(Minidump::SystemInfoStream);
-    ASSERT_EQ(systemSize, sizeof(Minidump::SystemInfo));
-    EXPECT_EQ(dump.u16(system), Minidump::ProcessorArchitectureAmd64);
-    EXPECT_EQ(dump.u32(system + 20), Minidump::PlatformLinux);
-    EXPECT_GE(dump.bytes()[system + 6], 1);
+    EXPECT_EQ(dump.crashReason.rfind(crashCase.reason, 0), 0u) << dump.crashReason;
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    const DumpThread& crashed = dump.crashing();
+    EXPECT_EQ(crashed.id, dump.exceptionThreadId);
+    ASSERT_FALSE(crashed.frames.empty());
+    EXPECT_EQ(crashed.frames[0].module, "crash_helper") << dump.stackwalk;
+    EXPECT_EQ(crashed.frames[0].function.rfind(crashCase.function, 0), 0u) << dump.stackwalk;
 
-    const auto [exception, exceptionSize] = dump.stream(Minidump::ExceptionStream);
-    ASSERT_EQ(exceptionSize, sizeof(Minidump::ExceptionStreamRecord));
-    const std::uint32_t threadId = dump.u32(exception);
-    EXPECT_EQ(dump.u32(exception + 8), static_cast<std::uint32_t>(crashCase.signalNumber));
-    if (crashCase.otherThread)
-        EXPECT_NE(threadId, static_cast<std::uint32_t>(result.pid));
-    else
-        EXPECT_EQ(threadId, static_cast<std::uint32_t>(result.pid));
-    const std::uint32_t contextRva = dump.u32(exception + 164);
-    ASSERT_EQ(dump.u32(exception + 160), sizeof(Minidump::ContextAmd64Record));
-    EXPECT_EQ(dump.u32(contextRva + 0x30), Minidump::ContextFull);
-    const std::uint64_t rsp = dump.u64(contextRva + 0x98);
-    const std::uint64_t rip = dump.u64(contextRva + 0xf8);
-    EXPECT_NE(rip, 0u);
-    if (std::string(crashCase.kind) == "segv" || crashCase.otherThread) {
-        EXPECT_EQ(dump.u64(exception + 24), 0x10u) << "fault address";
-    }
-
-    const auto [threads, threadsSize] = dump.stream(Minidump::ThreadListStream);
-    ASSERT_EQ(threadsSize, 4 + sizeof(Minidump::Thread));
-    EXPECT_EQ(dump.u32(threads), 1u);
-    EXPECT_EQ(dump.u32(threads + 4), threadId);
-    const std::uint64_t stackStart = dump.u64(threads + 4 + 24);
-    const std::uint32_t stackSize = dump.u32(threads + 4 + 32);
-    EXPECT_LE(stackStart, rsp);
-    EXPECT_GT(stackStart + stackSize, rsp);
-    EXPECT_EQ(dump.u32(threads + 4 + 44), contextRva);
-
-    const auto [memory, memorySize] = dump.stream(Minidump::MemoryListStream);
-    ASSERT_EQ(memorySize, 4u + 16u);
-    EXPECT_EQ(dump.u64(memory + 4), stackStart);
-    EXPECT_EQ(dump.u32(memory + 12), stackSize);
-
-    // The helper itself is among the modules, with its build id.
-    const std::string helperPath = std::filesystem::canonical(CRASH_HELPER).string();
-    const auto [modules, modulesSize] = dump.stream(Minidump::ModuleListStream);
-    const std::uint32_t moduleCount = dump.u32(modules);
-    ASSERT_EQ(modulesSize, 4 + moduleCount * sizeof(Minidump::Module));
-    bool found = false;
-    for (std::uint32_t i = 0; i < moduleCount; ++i) {
-        const std::size_t module = modules + 4 + i * sizeof(Minidump::Module);
-        if (dump.string(dump.u32(module + 20)) != helperPath)
-            continue;
-        found = true;
-        if (std::string(crashCase.kind) != "abrt") { // abort() stops inside the C library
-            EXPECT_LE(dump.u64(module), rip);
-            EXPECT_GT(dump.u64(module) + dump.u32(module + 8), rip);
+    if (crashCase.otherThread) {
+        // Every thread is in the dump: the main thread waits for the one
+        // that crashed, and its stack reaches main.
+        EXPECT_GE(dump.threads.size(), 2u);
+        EXPECT_NE(crashed.id, static_cast<std::uint32_t>(result.pid));
+        bool mainThreadFound = false;
+        for (const DumpThread& thread : dump.threads) {
+            if (thread.id != static_cast<std::uint32_t>(result.pid))
+                continue;
+            mainThreadFound = true;
+            EXPECT_GE(thread.frameOf("main"), 0) << dump.stackwalk;
         }
-        const std::uint32_t cvSize = dump.u32(module + 76);
-        const std::uint32_t cv = dump.u32(module + 80);
-        EXPECT_EQ(dump.u32(cv), Minidump::CvSignatureElfBuildId);
-        const std::string buildId = buildIdOfFile(helperPath);
-        ASSERT_FALSE(buildId.empty());
-        EXPECT_EQ(dump.bytes().substr(cv + 4, cvSize - 4), buildId);
+        EXPECT_TRUE(mainThreadFound) << dump.stackwalk;
+    } else {
+        EXPECT_EQ(crashed.id, static_cast<std::uint32_t>(result.pid));
+        EXPECT_GE(crashed.frameOf("main"), 1) << dump.stackwalk;
     }
-    EXPECT_TRUE(found) << helperPath << " not in the module list";
+    if (std::string(crashCase.kind) == "segv" || crashCase.otherThread) {
+        EXPECT_EQ(dump.crashAddress, "0x10");
+    }
 
-    EXPECT_NE(dump.streamBytes(Minidump::LinuxMapsStream).find(helperPath), std::string::npos);
-    const std::string status = dump.streamBytes(Minidump::LinuxProcStatusStream);
-    EXPECT_EQ(status.rfind("Name:", 0), 0u);
-    EXPECT_NE(status.find("Pid:\t" + std::to_string(result.pid) + "\n"), std::string::npos);
+    const std::string helperPath = std::filesystem::canonical(CRASH_HELPER).string();
+    EXPECT_NE(std::find(dump.modules.begin(), dump.modules.end(), helperPath), dump.modules.end());
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySignal, CrashInChild,
-    ::testing::Values(CrashCase {"segv", SIGSEGV, false}, CrashCase {"bus", SIGBUS, false},
-        CrashCase {"fpe", SIGFPE, false}, CrashCase {"ill", SIGILL, false},
-        CrashCase {"abrt", SIGABRT, false}, CrashCase {"trap", SIGTRAP, false},
-        CrashCase {"thread", SIGSEGV, true}),
+    ::testing::Values(CrashCase {"segv", SIGSEGV, "SIGSEGV /SEGV_MAPERR", "korvaneFaultHere", false},
+        CrashCase {"bus", SIGBUS, "SIGBUS / BUS_ADRERR", "korvaneBusErrorHere", false},
+        CrashCase {"fpe", SIGFPE, "SIGFPE / FPE_INTDIV", "korvaneDivideByZeroHere", false},
+        CrashCase {"ill", SIGILL, "SIGILL / ILL_ILLOPN", "korvaneIllegalInstructionHere", false},
+        CrashCase {"abrt", SIGABRT, "SIGABRT", "korvaneAbortSignalHere", false},
+        CrashCase {"thread", SIGSEGV, "SIGSEGV /SEGV_MAPERR", "korvaneFaultHere", true}),
     [](const ::testing::TestParamInfo<CrashCase>& info) { return std::string(info.param.kind); });
 
 TEST_F(CrashInChild, EmptyAnnotationTextStartsReporterButWritesNoExtra)
@@ -239,4 +193,63 @@ TEST_F(CrashInChild, DumpsGoToTmpNotToTheDataDirectory)
         std::filesystem::directory_iterator(m_home.path() + "/.korvane/monitor/Crash Reports"))
         ++entries;
     EXPECT_EQ(entries, 0u);
+}
+
+TEST_F(CrashInChild, AbortFromTheCLibraryNamesTheCallerBelowTheLibraryFrames)
+{
+    crash("install", "abort");
+    const ReporterRecord seen = reporterRecord();
+    ASSERT_EQ(seen.arguments.size(), 2u);
+    const ProcessedDump dump = process(seen.arguments[1]);
+    EXPECT_EQ(dump.crashReason, "SIGABRT");
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    const DumpThread& crashed = dump.crashing();
+    ASSERT_FALSE(crashed.frames.empty());
+    EXPECT_EQ(crashed.frames[0].module, "libc.so.6") << dump.stackwalk;
+    std::size_t firstOwn = 0;
+    while (firstOwn < crashed.frames.size() && crashed.frames[firstOwn].module != "crash_helper")
+        ++firstOwn;
+    ASSERT_LT(firstOwn, crashed.frames.size()) << dump.stackwalk;
+    EXPECT_EQ(crashed.frames[firstOwn].function.rfind("korvaneAbortHere", 0), 0u) << dump.stackwalk;
+}
+
+// The thread overflows its stack; on the signal stack it set up the
+// handler still runs, and the reporter starts.
+TEST_F(CrashInChild, StackOverflowOnAThreadWithItsOwnSignalStackIsReported)
+{
+    const ProcessResult result = crash("install", "overflow");
+    EXPECT_EQ(describe(result.status), "signal " + std::to_string(SIGSEGV));
+    const ReporterRecord seen = reporterRecord();
+    ASSERT_EQ(seen.arguments.size(), 2u);
+    ASSERT_TRUE(fileExists(seen.arguments[1]));
+    const ProcessedDump dump = process(seen.arguments[1]);
+    EXPECT_EQ(dump.crashReason.rfind("SIGSEGV", 0), 0u) << dump.crashReason;
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    EXPECT_NE(dump.crashing().id, static_cast<std::uint32_t>(result.pid));
+    ASSERT_FALSE(dump.crashing().frames.empty());
+    EXPECT_EQ(dump.crashing().frames[0].function.rfind("korvaneRecurseHere", 0), 0u) << dump.stackwalk;
+}
+
+// Breakpad writes the dump for a breakpoint instruction too, then returns
+// from its handler, and the program goes on after the instruction.
+TEST_F(CrashInChild, BreakpointTrapIsReportedAndTheProgramGoesOn)
+{
+    const ProcessResult result = crash("install", "trap");
+    EXPECT_EQ(describe(result.status), "exit 4");
+    const ReporterRecord seen = reporterRecord();
+    ASSERT_EQ(seen.arguments.size(), 2u);
+    const ProcessedDump dump = process(seen.arguments[1]);
+    EXPECT_EQ(dump.crashReason.rfind("SIGTRAP", 0), 0u) << dump.crashReason;
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    ASSERT_FALSE(dump.crashing().frames.empty());
+    EXPECT_EQ(dump.crashing().frames[0].function.rfind("korvaneTrapHere", 0), 0u) << dump.stackwalk;
+}
+
+// Without that stack there is no room to handle the signal: the process
+// just dies, and no reporter is started.
+TEST_F(CrashInChild, StackOverflowWithoutASignalStackOfItsOwnIsNotReported)
+{
+    const ProcessResult result = crash("install", "overflow-nostack");
+    EXPECT_EQ(describe(result.status), "signal " + std::to_string(SIGSEGV));
+    EXPECT_FALSE(waitForFile(record(), 2000));
 }

@@ -1,0 +1,224 @@
+// The real monitor, connected to the real simulator, crashes on its worker
+// thread or on its main thread (a preloaded library makes the fault, see
+// faultinjector.cpp), and Breakpad's own processor reads the dump back.
+#include <csignal>
+#include <filesystem>
+#include <iostream>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "crashtestsupport.h"
+
+using namespace CrashTest;
+
+extern char** environ;
+
+namespace {
+
+// korvane-sim on a free loopback port, for as long as the object lives.
+class Simulator final
+{
+public:
+    Simulator()
+    {
+        int output[2];
+        if (pipe(output) != 0)
+            return;
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, output[0]);
+        char* argv[] = {const_cast<char*>(KORVANE_SIM_PATH), const_cast<char*>("--listen"),
+            const_cast<char*>("127.0.0.1:0"), const_cast<char*>("--seed"), const_cast<char*>("1"), nullptr};
+        if (posix_spawn(&m_pid, argv[0], &actions, nullptr, argv, environ) != 0)
+            m_pid = 0;
+        posix_spawn_file_actions_destroy(&actions);
+        close(output[1]);
+        // The first line is "listening on ADDR:PORT".
+        std::string line;
+        char c;
+        while (read(output[0], &c, 1) == 1 && c != '\n')
+            line += c;
+        m_output = output[0];
+        const std::string prefix = "listening on ";
+        if (line.rfind(prefix, 0) == 0)
+            m_address = line.substr(prefix.size());
+    }
+
+    ~Simulator()
+    {
+        if (m_pid > 0) {
+            kill(m_pid, SIGTERM);
+            waitpid(m_pid, nullptr, 0);
+        }
+        if (m_output >= 0)
+            close(m_output);
+    }
+
+    const std::string& address() const { return m_address; }
+
+private:
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
+
+    pid_t m_pid = 0;
+    int m_output = -1;
+    std::string m_address;
+};
+
+class MonitorCrash : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+#ifdef KORVANE_SANITIZED
+        // The sanitizer's runtime must be the first library of the process,
+        // which the preloaded fault library does not allow; the plain build
+        // runs these tests.
+        GTEST_SKIP() << "preloading the fault library needs the plain build";
+#endif
+        ASSERT_FALSE(m_simulator.address().empty()) << "the simulator did not start";
+        // The monitor looks for its reporter beside itself.
+        std::filesystem::copy_file(KORVANE_MONITOR_PATH, m_application.path() + "/korvane-monitor");
+        std::filesystem::copy_file(STANDIN_REPORTER, m_application.path() + "/crashreporter");
+    }
+
+    void TearDown() override
+    {
+        if (!m_dump.empty()) {
+            std::remove(m_dump.c_str());
+            std::remove((m_dump.substr(0, m_dump.size() - 4) + ".extra").c_str());
+        }
+    }
+
+    // Runs the monitor connected to the simulator until the fault ends it.
+    ProcessResult crash(const std::string& fault)
+    {
+        return runProcess({m_application.path() + "/korvane-monitor", "--connect", m_simulator.address()},
+            {{"HOME", m_home.path()}, {"XDG_CONFIG_HOME", m_home.path() + "/.config"},
+                {"QT_QPA_PLATFORM", "offscreen"}, {"LD_PRELOAD", FAULT_INJECTOR}, {"KORVANE_FAULT", fault},
+                {"KORVANE_FAULT_RECORD", faultRecord()}, {"KORVANE_TEST_REPORTER_RECORD", reporterRecord()}},
+            60000);
+    }
+
+    std::string faultRecord() const
+    {
+        return m_application.path() + "/fault";
+    }
+    std::string reporterRecord() const
+    {
+        return m_application.path() + "/record";
+    }
+
+    std::uint32_t faultingThread() const
+    {
+        return static_cast<std::uint32_t>(std::stoul(readFile(faultRecord())));
+    }
+
+    // The dump the reporter was started with, read with the symbols of
+    // the build and of the system's libraries.
+    ProcessedDump reportedDump()
+    {
+        EXPECT_TRUE(waitForFile(reporterRecord())) << "the reporter was not started";
+        const ReporterRecord seen = readReporterRecord(reporterRecord());
+        if (seen.arguments.size() != 2)
+            return {};
+        m_dump = seen.arguments[1];
+        writeSystemSymbols(m_dump, SYSTEM_SYMBOLS_DIR);
+        return processDump(m_dump, {SYMBOLS_DIR, SYSTEM_SYMBOLS_DIR});
+    }
+
+    static void printTopFrames(const ProcessedDump& dump)
+    {
+        std::cout << "crash reason " << dump.crashReason << ", " << dump.threads.size() << " threads\n";
+        for (std::size_t i = 0; i < dump.crashing().frames.size() && i < 8; ++i)
+            std::cout << "  " << i << "  " << dump.crashing().frames[i].module << "  "
+                      << dump.crashing().frames[i].function << '\n';
+    }
+
+    static const DumpThread* threadWithId(const ProcessedDump& dump, std::uint32_t id)
+    {
+        for (const DumpThread& thread : dump.threads)
+            if (thread.id == id)
+                return &thread;
+        return nullptr;
+    }
+
+    Simulator m_simulator;
+    TemporaryDirectory m_home;
+    TemporaryDirectory m_application;
+    std::string m_dump;
+};
+
+} // namespace
+
+TEST_F(MonitorCrash, FaultOnTheWorkerThreadIsDumpedWithEveryThread)
+{
+    const ProcessResult result = crash("worker");
+    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
+    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
+
+    const ProcessedDump dump = reportedDump();
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    printTopFrames(dump);
+    EXPECT_GE(dump.threads.size(), 3u) << dump.stackwalk;
+    EXPECT_EQ(dump.crashReason, "SIGSEGV /SEGV_MAPERR");
+    EXPECT_EQ(dump.crashAddress, "0x10");
+
+    const DumpThread& crashed = dump.crashing();
+    EXPECT_EQ(crashed.id, faultingThread());
+    EXPECT_NE(crashed.id, static_cast<std::uint32_t>(result.pid));
+    ASSERT_FALSE(crashed.frames.empty());
+    EXPECT_EQ(crashed.frames[0].function, "korvaneWorkerFaultHere()") << dump.stackwalk;
+    EXPECT_GE(crashed.frameOf("ControlClient::"), 1) << dump.stackwalk;
+    EXPECT_GE(crashed.frameOf("MonitorWorker::run()"), 1) << dump.stackwalk;
+
+    const DumpThread* gui = threadWithId(dump, static_cast<std::uint32_t>(result.pid));
+    ASSERT_NE(gui, nullptr) << dump.stackwalk;
+    EXPECT_GE(gui->frameOf("QCoreApplication::exec()"), 0) << dump.stackwalk;
+    EXPECT_GE(gui->frameOf("main"), 1) << dump.stackwalk;
+}
+
+TEST_F(MonitorCrash, FaultOnTheMainThreadIsDumpedWithEveryThread)
+{
+    const ProcessResult result = crash("gui");
+    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
+    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
+
+    const ProcessedDump dump = reportedDump();
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    printTopFrames(dump);
+    EXPECT_GE(dump.threads.size(), 3u) << dump.stackwalk;
+    EXPECT_EQ(dump.crashAddress, "0x20");
+
+    const DumpThread& crashed = dump.crashing();
+    EXPECT_EQ(crashed.id, faultingThread());
+    EXPECT_EQ(crashed.id, static_cast<std::uint32_t>(result.pid));
+    ASSERT_FALSE(crashed.frames.empty());
+    EXPECT_EQ(crashed.frames[0].function, "korvaneGuiFaultHere()") << dump.stackwalk;
+    EXPECT_GE(crashed.frameOf("main"), 1) << dump.stackwalk;
+
+    // The worker is in the dump too, somewhere in its run.
+    bool workerFound = false;
+    for (const DumpThread& thread : dump.threads)
+        workerFound = workerFound || thread.frameOf("MonitorWorker::run()") >= 0;
+    EXPECT_TRUE(workerFound) << dump.stackwalk;
+}
+
+TEST_F(MonitorCrash, StackOverflowOnTheWorkerThreadLeavesADumpAndStartsTheReporter)
+{
+    const ProcessResult result = crash("worker-overflow");
+    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
+    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
+
+    const ProcessedDump dump = reportedDump();
+    ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
+    EXPECT_TRUE(fileExists(m_dump));
+    EXPECT_EQ(dump.crashReason.rfind("SIGSEGV", 0), 0u);
+    EXPECT_EQ(dump.crashing().id, faultingThread());
+    ASSERT_FALSE(dump.crashing().frames.empty());
+    EXPECT_EQ(dump.crashing().frames[0].function, "korvaneWorkerOverflowHere(int)") << dump.stackwalk;
+}
