@@ -4,8 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHttpMultiPart>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QNetworkAccessManager>
-#include <QNetworkProxy>
+#include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QRegularExpression>
@@ -29,26 +31,32 @@ ReportSubmitter::ReportSubmitter(QObject* parent)
     : QObject(parent)
     , m_network(new QNetworkAccessManager(this))
 {
-    // Reports go straight to the collector; a proxy set for the desktop
-    // would only add a way to fail.
-    m_network->setProxy(QNetworkProxy::NoProxy);
+    // Many farms reach the outside only through a proxy: use the desktop's
+    // settings, which include http_proxy and https_proxy.
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
 }
 
 ReportSubmitter::~ReportSubmitter() = default;
 
 QString ReportSubmitter::crashIdFromReply(const QByteArray& reply)
 {
-    static const QRegularExpression safe(QStringLiteral("^[A-Za-z0-9._-]+$"));
-    for (const QByteArray& line : reply.split('\n')) {
-        const QByteArray trimmed = line.trimmed();
-        if (trimmed.startsWith("CrashID=")) {
-            const QString id = QString::fromUtf8(trimmed.mid(8));
-            return safe.match(id).hasMatch() && id != QLatin1String(".") && id != QLatin1String("..")
-                ? id
-                : QString();
+    QString id;
+    const QJsonDocument json = QJsonDocument::fromJson(reply);
+    if (json.isObject()) {
+        id = json.object().value(QLatin1String("id")).toString();
+    } else {
+        for (const QByteArray& line : reply.split('\n')) {
+            const QByteArray trimmed = line.trimmed();
+            if (trimmed.startsWith("CrashID=")) {
+                id = QString::fromUtf8(trimmed.mid(8));
+                break;
+            }
         }
     }
-    return {};
+    // The id names the receipt file: nothing that could leave submitted/.
+    static const QRegularExpression safe(QStringLiteral("^[A-Za-z0-9._-]+$"));
+    return safe.match(id).hasMatch() && id != QLatin1String(".") && id != QLatin1String("..") ? id
+                                                                                              : QString();
 }
 
 void ReportSubmitter::submit(

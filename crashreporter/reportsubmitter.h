@@ -10,7 +10,8 @@ class QNetworkReply;
 
 // Sends one report as an HTTP(S) POST, multipart/form-data: every
 // annotation as a field, the comment as "Comments" and the dump as the
-// file "upload_file_minidump". A reply holding a line "CrashID=<id>" is
+// file "upload_file_minidump", through the desktop's proxy settings. A
+// reply holding a line "CrashID=<id>", or a JSON object with an "id", is
 // kept as <data directory>/submitted/<id>.txt and the pending files are
 // removed; on any failure they stay where they are.
 class ReportSubmitter final : public QObject
@@ -24,7 +25,8 @@ public:
     void submit(
         const CrashReport& report, const QString& comment, const QUrl& url, const QString& dataDirectory);
 
-    // The "CrashID=" value of a reply, empty when there is none or it is not
+    // The crash id of a reply: the "id" string of a JSON object, else the
+    // value of a "CrashID=" line. Empty when there is none or it is not
     // usable as a file name.
     static QString crashIdFromReply(const QByteArray& reply);
 

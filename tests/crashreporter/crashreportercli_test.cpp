@@ -94,6 +94,48 @@ TEST_F(ReporterProgram, SubmitSendsMovesAndKeepsTheCrashId)
     EXPECT_FALSE(QFileInfo::exists(data() + "/pending/0f1e2d3c.extra"));
 }
 
+// The collector's host is known only to the proxy, which here is the test
+// collector itself: it sees the request in proxy form and answers it.
+TEST_F(ReporterProgram, SubmitGoesThroughTheProxyOfTheEnvironment)
+{
+    m_collector.setReply(200, "CrashID=bp-proxied\n");
+    auto env = environment();
+    env.insert("KORVANE_CRASHREPORTER_URL", "http://crash-collector.invalid/submit");
+    env.insert("http_proxy", QStringLiteral("http://127.0.0.1:%1").arg(m_collector.url().port()));
+    const ReporterRun run = runReporter({"--submit", m_dump}, env);
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    ASSERT_EQ(m_collector.requests().size(), 1);
+    const TestCollector::Request& request = m_collector.requests().first();
+    EXPECT_EQ(request.method, "POST");
+    EXPECT_EQ(request.path, "http://crash-collector.invalid/submit");
+    EXPECT_EQ(request.headers.value("host"), "crash-collector.invalid");
+    EXPECT_EQ(request.fields.value("ProductName"), "Monitor");
+    EXPECT_EQ(request.files.value("upload_file_minidump").second, ReportFiles::DumpBytes);
+    EXPECT_TRUE(QFileInfo::exists(data() + "/submitted/bp-proxied.txt"));
+}
+
+TEST_F(ReporterProgram, JsonReplyOfTheCollectorIsAccepted)
+{
+    m_collector.setReply(200, "{\"id\": \"bp-81\"}");
+    const ReporterRun run = runReporter({"--submit", m_dump}, environment());
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains("CrashID=bp-81")) << run.out.toStdString();
+    EXPECT_EQ(ReportFiles::read(data() + "/submitted/bp-81.txt"), "{\"id\": \"bp-81\"}");
+    EXPECT_FALSE(QFileInfo::exists(data() + "/pending/0f1e2d3c.dmp"));
+}
+
+TEST_F(ReporterProgram, ReplyOfAnotherFormStaysPendingWithTheReasonShown)
+{
+    m_collector.setReply(200, "<html>thank you</html>");
+    const ReporterRun run = runReporter({"--submit", m_dump}, environment());
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err,
+        "crashreporter: not sent: the server gave no crash id; the report stays in " + data().toUtf8()
+            + "/pending\n");
+    EXPECT_EQ(ReportFiles::read(data() + "/pending/0f1e2d3c.dmp"), ReportFiles::DumpBytes);
+    EXPECT_EQ(ReportFiles::read(data() + "/pending/0f1e2d3c.extra"), ReportFiles::ExtraText);
+}
+
 TEST_F(ReporterProgram, EnvironmentVariableMeansSubmitWithoutAWindow)
 {
     m_collector.setReply(200, "CrashID=bp-78\n");

@@ -126,6 +126,39 @@ TEST_F(ReportSubmitterTest, AddressThatIsNotHttpIsRefused)
     EXPECT_TRUE(m_collector.requests().isEmpty());
 }
 
+TEST_F(ReportSubmitterTest, JsonReplyWithAnIdIsAccepted)
+{
+    const QByteArray reply
+        = "{\"id\": \"bp-7d2a\", \"url\": \"https://crash-reports.korvane.com/report/bp-7d2a\"}";
+    m_collector.setReply(200, reply);
+    const auto [ok, crashId] = submit(QString(), m_collector.url());
+    ASSERT_TRUE(ok) << crashId.toStdString();
+    EXPECT_EQ(crashId, "bp-7d2a");
+    EXPECT_EQ(ReportFiles::read(m_data.path() + "/submitted/bp-7d2a.txt"), reply);
+    EXPECT_FALSE(QFileInfo::exists(pending() + "/5f0c1d2e.dmp"));
+}
+
+TEST_F(ReportSubmitterTest, JsonReplyWithoutAnIdLeavesTheFilesPending)
+{
+    m_collector.setReply(200, "{\"status\": \"queued\"}");
+    const auto [ok, message] = submit(QString(), m_collector.url());
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(message, "the server gave no crash id");
+    EXPECT_TRUE(QFileInfo::exists(pending() + "/5f0c1d2e.dmp"));
+    EXPECT_TRUE(QFileInfo::exists(pending() + "/5f0c1d2e.extra"));
+    EXPECT_FALSE(QFileInfo::exists(m_data.path() + "/submitted"));
+}
+
+TEST(ReportSubmitterReply, CrashIdIsTakenFromAJsonObject)
+{
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply("{\"id\":\"bp-json-1\"}"), "bp-json-1");
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply(" {\"other\":1, \"id\":\"bp-json-2\"}\n"), "bp-json-2");
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply("{\"id\":42}"), "");
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply("{\"id\":\"../x\"}"), "");
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply("{\"ID\":\"bp-3\"}"), "");
+    EXPECT_EQ(ReportSubmitter::crashIdFromReply("[\"bp-4\"]"), "");
+}
+
 TEST(ReportSubmitterReply, CrashIdIsTakenFromItsLine)
 {
     EXPECT_EQ(ReportSubmitter::crashIdFromReply("CrashID=bp-abc\nViewURL=x\n"), "bp-abc");
