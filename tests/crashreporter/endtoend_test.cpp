@@ -52,9 +52,11 @@ bool waitFor(Condition condition, int timeoutMs = 30000)
 
 } // namespace
 
-// The real program, sent SIGSEGV, leaves a dump and its annotations and
-// starts the real reporter beside it, which sends both to the collector.
-TEST(CrashEndToEnd, MonitorSentSigsegvLeavesReportThatTheReporterSubmits)
+// The real program, started through PATH as a shell or a desktop entry
+// does (no directory in argv[0]) and sent SIGSEGV, leaves a dump and its
+// annotations and starts the real reporter beside it, which moves both
+// into pending/ and sends them to the collector.
+TEST(CrashEndToEnd, MonitorStartedThroughPathLeavesReportThatTheReporterSubmits)
 {
     QTemporaryDir home;
     TestCollector collector;
@@ -63,16 +65,21 @@ TEST(CrashEndToEnd, MonitorSentSigsegvLeavesReportThatTheReporterSubmits)
 
     QProcess monitor;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("PATH", QFileInfo(KORVANE_MONITOR_PATH).absolutePath() + ":/usr/bin:/bin");
     environment.insert("HOME", home.path());
     environment.insert("XDG_CONFIG_HOME", home.path() + "/.config");
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     environment.insert("KORVANE_CRASHREPORTER_URL", collector.url().toString());
     environment.insert("KORVANE_CRASHREPORTER_SUBMIT", "1");
     monitor.setProcessEnvironment(environment);
-    monitor.start(KORVANE_MONITOR_PATH, {});
+    // exec through the shell's PATH search keeps argv[0] as typed.
+    monitor.start("/bin/sh", {"-c", "exec korvane-monitor"});
     ASSERT_TRUE(monitor.waitForStarted());
     const qint64 pid = monitor.processId();
     ASSERT_TRUE(waitFor([&] { return startedAndIdle(pid); })) << monitor.readAllStandardError().toStdString();
+    QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(pid));
+    ASSERT_TRUE(commandLine.open(QIODevice::ReadOnly));
+    EXPECT_EQ(commandLine.readAll(), QByteArray("korvane-monitor\0", 16));
 
     ASSERT_EQ(::kill(static_cast<pid_t>(pid), SIGSEGV), 0);
     ASSERT_TRUE(waitFor([&] { return monitor.state() == QProcess::NotRunning; }));
@@ -97,9 +104,11 @@ TEST(CrashEndToEnd, MonitorSentSigsegvLeavesReportThatTheReporterSubmits)
     EXPECT_TRUE(dump.second.startsWith("MDMP"));
     EXPECT_TRUE(dump.second.contains("korvane-monitor"));
 
+    // Sent from pending/: the receipt is kept, nothing is left behind.
     const QString data = home.path() + "/.korvane/monitor/Crash Reports";
     EXPECT_TRUE(waitFor([&] { return QFileInfo::exists(data + "/submitted/bp-e2e-1.txt"); }));
-    EXPECT_TRUE(waitFor([&] { return QDir(data + "/pending").isEmpty(); }));
+    EXPECT_TRUE(
+        waitFor([&] { return QDir(data + "/pending").exists() && QDir(data + "/pending").isEmpty(); }));
     const QString id = QFileInfo(dump.first).completeBaseName();
     EXPECT_FALSE(QFileInfo::exists("/tmp/" + id + ".dmp"));
     EXPECT_FALSE(QFileInfo::exists("/tmp/" + id + ".extra"));
