@@ -95,10 +95,16 @@ ProcessedDump process(const std::string& dumpPath)
 TEST_P(CrashInChild, WritesDumpAndExtraStartsReporterAndEndsAsWithoutHandler)
 {
     const CrashCase crashCase = GetParam();
-    const ProcessResult baseline = crash("noinstall", crashCase.kind);
+    [[maybe_unused]] const ProcessResult baseline = crash("noinstall", crashCase.kind);
     ASSERT_FALSE(fileExists(record())) << "no handler, no reporter";
     const ProcessResult result = crash("install", crashCase.kind);
+    // After the dump the signal ends the process as it would have without
+    // the handler. A sanitizer ends it its own way when nothing else
+    // handles the signal, so there only the signal itself is checked.
+    EXPECT_EQ(describe(result.status), "signal " + std::to_string(crashCase.signalNumber));
+#ifndef KORVANE_SANITIZED
     EXPECT_EQ(describe(result.status), describe(baseline.status));
+#endif
 
     const ReporterRecord seen = reporterRecord();
     ASSERT_EQ(seen.arguments.size(), 2u);
@@ -249,6 +255,9 @@ TEST_F(CrashInChild, BreakpointTrapIsReportedAndTheProgramGoesOn)
 // just dies, and no reporter is started.
 TEST_F(CrashInChild, StackOverflowWithoutASignalStackOfItsOwnIsNotReported)
 {
+#ifdef KORVANE_SANITIZED
+    GTEST_SKIP() << "AddressSanitizer gives every thread a signal stack of its own";
+#endif
     const ProcessResult result = crash("install", "overflow-nostack");
     EXPECT_EQ(describe(result.status), "signal " + std::to_string(SIGSEGV));
     EXPECT_FALSE(waitForFile(record(), 2000));
