@@ -131,9 +131,10 @@ protected:
         return processDump(m_dump, {SYMBOLS_DIR, SYSTEM_SYMBOLS_DIR});
     }
 
-    static void printTopFrames(const ProcessedDump& dump)
+    void printTopFrames(const ProcessedDump& dump) const
     {
-        std::cout << "crash reason " << dump.crashReason << ", " << dump.threads.size() << " threads\n";
+        std::cout << "dump of " << std::filesystem::file_size(m_dump) << " bytes, " << dump.threads.size()
+                  << " threads, crash reason " << dump.crashReason << '\n';
         for (std::size_t i = 0; i < dump.crashing().frames.size() && i < 8; ++i)
             std::cout << "  " << i << "  " << dump.crashing().frames[i].module << "  "
                       << dump.crashing().frames[i].function << '\n';
