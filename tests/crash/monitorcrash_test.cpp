@@ -94,14 +94,23 @@ protected:
         }
     }
 
-    // Runs the monitor connected to the simulator until the fault ends it.
-    ProcessResult crash(const std::string& fault)
+    // Runs the monitor connected to the simulator until the fault ends it,
+    // and reads the dump the reporter was started with.
+    ProcessedDump crash(const std::string& fault)
     {
-        return runProcess({m_application.path() + "/korvane-monitor", "--connect", m_simulator.address()},
+        const ProcessResult result = runProcess(
+            {m_application.path() + "/korvane-monitor", "--connect", m_simulator.address()},
             {{"HOME", m_home.path()}, {"XDG_CONFIG_HOME", m_home.path() + "/.config"},
                 {"QT_QPA_PLATFORM", "offscreen"}, {"LD_PRELOAD", FAULT_INJECTOR}, {"KORVANE_FAULT", fault},
                 {"KORVANE_FAULT_RECORD", faultRecord()}, {"KORVANE_TEST_REPORTER_RECORD", reporterRecord()}},
             60000);
+        m_pid = static_cast<std::uint32_t>(result.pid);
+        EXPECT_TRUE(WIFSIGNALED(result.status) && WTERMSIG(result.status) == SIGSEGV)
+            << "status " << result.status;
+        const ProcessedDump dump = reportedDump();
+        if (dump.crashingThread >= 0)
+            printTopFrames(dump);
+        return dump;
     }
 
     std::string faultRecord() const
@@ -152,32 +161,28 @@ protected:
     TemporaryDirectory m_home;
     TemporaryDirectory m_application;
     std::string m_dump;
+    std::uint32_t m_pid = 0;
 };
 
 } // namespace
 
 TEST_F(MonitorCrash, FaultOnTheWorkerThreadIsDumpedWithEveryThread)
 {
-    const ProcessResult result = crash("worker");
-    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
-    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
-
-    const ProcessedDump dump = reportedDump();
+    const ProcessedDump dump = crash("worker");
     ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
-    printTopFrames(dump);
     EXPECT_GE(dump.threads.size(), 3u) << dump.stackwalk;
     EXPECT_EQ(dump.crashReason, "SIGSEGV /SEGV_MAPERR");
     EXPECT_EQ(dump.crashAddress, "0x10");
 
     const DumpThread& crashed = dump.crashing();
     EXPECT_EQ(crashed.id, faultingThread());
-    EXPECT_NE(crashed.id, static_cast<std::uint32_t>(result.pid));
+    EXPECT_NE(crashed.id, m_pid);
     ASSERT_FALSE(crashed.frames.empty());
     EXPECT_EQ(crashed.frames[0].function, "korvaneWorkerFaultHere()") << dump.stackwalk;
     EXPECT_GE(crashed.frameOf("ControlClient::"), 1) << dump.stackwalk;
     EXPECT_GE(crashed.frameOf("MonitorWorker::run()"), 1) << dump.stackwalk;
 
-    const DumpThread* gui = threadWithId(dump, static_cast<std::uint32_t>(result.pid));
+    const DumpThread* gui = threadWithId(dump, m_pid);
     ASSERT_NE(gui, nullptr) << dump.stackwalk;
     EXPECT_GE(gui->frameOf("QCoreApplication::exec()"), 0) << dump.stackwalk;
     EXPECT_GE(gui->frameOf("main"), 1) << dump.stackwalk;
@@ -185,19 +190,14 @@ TEST_F(MonitorCrash, FaultOnTheWorkerThreadIsDumpedWithEveryThread)
 
 TEST_F(MonitorCrash, FaultOnTheMainThreadIsDumpedWithEveryThread)
 {
-    const ProcessResult result = crash("gui");
-    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
-    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
-
-    const ProcessedDump dump = reportedDump();
+    const ProcessedDump dump = crash("gui");
     ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
-    printTopFrames(dump);
     EXPECT_GE(dump.threads.size(), 3u) << dump.stackwalk;
     EXPECT_EQ(dump.crashAddress, "0x20");
 
     const DumpThread& crashed = dump.crashing();
     EXPECT_EQ(crashed.id, faultingThread());
-    EXPECT_EQ(crashed.id, static_cast<std::uint32_t>(result.pid));
+    EXPECT_EQ(crashed.id, m_pid);
     ASSERT_FALSE(crashed.frames.empty());
     EXPECT_EQ(crashed.frames[0].function, "korvaneGuiFaultHere()") << dump.stackwalk;
     EXPECT_GE(crashed.frameOf("main"), 1) << dump.stackwalk;
@@ -211,11 +211,7 @@ TEST_F(MonitorCrash, FaultOnTheMainThreadIsDumpedWithEveryThread)
 
 TEST_F(MonitorCrash, StackOverflowOnTheWorkerThreadLeavesADumpAndStartsTheReporter)
 {
-    const ProcessResult result = crash("worker-overflow");
-    ASSERT_TRUE(WIFSIGNALED(result.status)) << "status " << result.status;
-    EXPECT_EQ(WTERMSIG(result.status), SIGSEGV);
-
-    const ProcessedDump dump = reportedDump();
+    const ProcessedDump dump = crash("worker-overflow");
     ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
     EXPECT_TRUE(fileExists(m_dump));
     EXPECT_EQ(dump.crashReason.rfind("SIGSEGV", 0), 0u);
