@@ -35,6 +35,9 @@ Application::Application(int& argc, char** argv)
 {
     setOrganizationName(QStringLiteral("Korvane"));
     setApplicationName(QStringLiteral("Monitor"));
+    // The desktop entry's name: Wayland compositors take it as the window's
+    // app id and show the entry's name and icon for the window.
+    setDesktopFileName(QStringLiteral("com.korvane.Monitor"));
 
     installTranslator(&appTranslator);
     installTranslator(&qtTranslator);

@@ -12,8 +12,57 @@
 #include "utf8.h"
 #include "version.h"
 
+namespace {
+
+struct CommandLine
+{
+    explicit CommandLine(QCommandLineParser& parser)
+    {
+        parser.setApplicationDescription(
+            QStringLiteral("Operator's monitor for a distributed processing server."));
+        parser.addHelpOption();
+        parser.addOption(version);
+        parser.addOption(connect);
+    }
+
+    const QCommandLineOption version {
+        {QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Displays version information.")};
+    const QCommandLineOption connect {QStringLiteral("connect"),
+        QStringLiteral("Connects to the server at <host[:port]> once the window shows, as if Connect "
+                       "had been pressed. Without a port the stored one (default 5840) is used."),
+        QStringLiteral("host[:port]")};
+};
+
+int printVersion()
+{
+    std::printf("Korvane Monitor %s build %d\n", Version::Text, Version::Build);
+    return 0;
+}
+
+bool asksForHelpOrVersion(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray argument(argv[i]);
+        if (argument == "-h" || argument == "--help" || argument == "-v" || argument == "--version")
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
+    // Help and version are answered on a terminal with no display, too (and
+    // help2man reads them at build time): a plain core application will do.
+    if (asksForHelpOrVersion(argc, argv)) {
+        QCoreApplication core(argc, argv);
+        QCommandLineParser parser;
+        const CommandLine options(parser);
+        parser.process(core);
+        return printVersion();
+    }
+
     CrashReporter crashReporter;
     QtUtf8Codec codec;
     utf8::setCodec(&codec);
@@ -33,27 +82,15 @@ int main(int argc, char** argv)
     CrashReporter::install();
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Operator's monitor for a distributed processing server."));
-    parser.addHelpOption();
-    const QCommandLineOption versionOption(
-        {QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Displays version information."));
-    parser.addOption(versionOption);
-    const QCommandLineOption connectOption(QStringLiteral("connect"),
-        QStringLiteral("Connects to the server at <host[:port]> once the window shows, as if Connect "
-                       "had been pressed. Without a port the stored one (default 5840) is used."),
-        QStringLiteral("host[:port]"));
-    parser.addOption(connectOption);
+    const CommandLine options(parser);
     parser.process(app);
-    if (parser.isSet(versionOption)) {
-        std::printf("Korvane Monitor %s build %d\n", Version::Text, Version::Build);
-        return 0;
-    }
+    if (parser.isSet(options.version))
+        return printVersion();
 
     QString connectHost;
     int connectPort = -1;
-    if (parser.isSet(connectOption)) {
-        connectHost = parser.value(connectOption);
+    if (parser.isSet(options.connect)) {
+        connectHost = parser.value(options.connect);
         const int colon = connectHost.indexOf(QLatin1Char(':'));
         if (colon >= 0) {
             bool ok = false;

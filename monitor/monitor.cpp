@@ -141,9 +141,12 @@ void Monitor::onConnectClicked()
 
     const QString host = ui.editHost->text();
     const int port = ui.spinPort->value();
-    QSettings settings;
-    settings.setValue(QStringLiteral("main/network_host"), host);
-    settings.setValue(QStringLiteral("main/network_port"), port);
+    {
+        // written out here, before the connection starts
+        QSettings settings;
+        settings.setValue(QStringLiteral("main/network_host"), host);
+        settings.setValue(QStringLiteral("main/network_port"), port);
+    }
 
     worker.host = host.toStdString();
     worker.port = port;

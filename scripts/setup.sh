@@ -5,6 +5,9 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config ccache
+    # icons, manual pages, the Debian package and its checks, Wayland
+    librsvg2-bin help2man dpkg-dev file lintian desktop-file-utils appstream man-db
+    bash-completion qt6-wayland weston
     qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
     libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb

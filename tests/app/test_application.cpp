@@ -68,6 +68,11 @@ TEST(Application, NamesOrganisationAndApplicationForTheSettingsStore)
     EXPECT_EQ(QSettings().fileName(), expected);
 }
 
+TEST(Application, NamesTheDesktopEntry)
+{
+    EXPECT_EQ(QGuiApplication::desktopFileName(), QStringLiteral("com.korvane.Monitor"));
+}
+
 TEST(Application, WindowIconHoldsThe16And32And48PixelIcons)
 {
     const QList<QSize> sizes = QApplication::windowIcon().availableSizes();

@@ -53,6 +53,31 @@ TEST(Program, HelpListsTheOptions)
     EXPECT_TRUE(run.out.contains(QStringLiteral("--help"))) << run.out.toStdString();
 }
 
+// A terminal with no display, as over ssh: help and version still answer.
+TEST(Program, HelpAndVersionNeedNoDisplay)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment.remove(QString::fromLatin1(name));
+    for (const char* option : {"--version", "-v", "--help", "-h"}) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(KORVANE_MONITOR_PATH), {QString::fromLatin1(option)});
+        ASSERT_TRUE(process.waitForFinished(30000)) << option;
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << option;
+        EXPECT_EQ(process.exitCode(), 0) << option;
+        const QString out = QString::fromUtf8(process.readAllStandardOutput());
+        if (option[1] == 'v' || option[2] == 'v')
+            EXPECT_EQ(out, QStringLiteral("Korvane Monitor 0.1.0 build 2834\n")) << option;
+        else
+            EXPECT_TRUE(
+                out.startsWith(QStringLiteral("Usage: " KORVANE_MONITOR_PATH " [options]\n"
+                                              "Operator's monitor for a distributed processing server.\n")))
+                << option;
+        EXPECT_EQ(QString::fromUtf8(process.readAllStandardError()), QString()) << option;
+    }
+}
+
 TEST(Program, UnknownOptionIsRefused)
 {
     const ProcessResult run = runMonitor({QStringLiteral("--no-such-option")});

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# The package's metadata through Debian's own validators: control fields,
+# desktop entry, AppStream, manual pages, lintian.
+#   test_metadata.sh ROOT PACKAGE_FILE EXPECTED_CONTROL
+set -euo pipefail
+root=$1
+package=$2
+source "$(dirname "$0")/testlib.sh"
+
+expect_equal "control fields" "$(<"$3")" \
+    "$(dpkg-deb --field "$package" Package Version Architecture Maintainer Depends Recommends Section \
+        Priority Homepage)"
+
+entry=$root/usr/share/applications/com.korvane.Monitor.desktop
+expect_equal "desktop-file-validate" "" "$(desktop-file-validate "$entry" 2>&1 || echo "exit status $?")"
+
+# With the tree, the metainfo's launchable is checked against the desktop entry.
+expect_equal "appstreamcli validate-tree" "com.korvane.Monitor.metainfo.xml
+
+✔ Validation was successful: pedantic: 1" \
+    "$(appstreamcli validate-tree --no-net --strict "$root" 2>&1 || echo "exit status $?")"
+
+declare -A names=(
+    [korvane-monitor]="korvane-monitor - operator's monitor for a distributed processing server"
+    [korvane-ctl]="korvane-ctl - control tool for a distributed processing server"
+    [korvane-sim]="korvane-sim - simulated processing server for demonstrations and tests"
+)
+for program in korvane-monitor korvane-ctl korvane-sim; do
+    page=$root/usr/share/man/man1/$program.1.gz
+    rendered=$(MANWIDTH=200 man --warnings -l "$page" 2>"$root.man-warnings" || echo "exit status $?")
+    expect_equal "man -l $program.1: NAME" "NAME
+       ${names[$program]}" "$(sed -n '/^NAME$/,/^$/p' <<<"$rendered" | sed '$d')"
+    expect_equal "man -l $program.1: no warnings" "" "$(<"$root.man-warnings")"
+    rm -f "$root.man-warnings"
+done
+
+# Lintian's own note about running as root goes to standard error.
+expect_equal "lintian: no errors, no warnings" "" \
+    "$(lintian --fail-on error,warning "$package" 2>/dev/null || echo "exit status $?")"
+finish
