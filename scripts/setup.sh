@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs everything the build, the tests and the run script need, from
-# Debian 12's own packages. Safe to run again: only missing packages are fetched.
+# Debian 12's own packages (fonts-noto-cjk draws the Japanese and Chinese
+# texts). Safe to run again: only missing packages are fetched.
 set -euo pipefail
 
 packages=(
@@ -11,6 +12,7 @@ packages=(
     qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
     libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
+    fonts-noto-cjk
 )
 
 missing=()

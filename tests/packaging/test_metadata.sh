@@ -20,6 +20,17 @@ expect_equal "appstreamcli validate-tree" "com.korvane.Monitor.metainfo.xml
 ✔ Validation was successful: pedantic: 1" \
     "$(appstreamcli validate-tree --no-net --strict "$root" 2>&1 || echo "exit status $?")"
 
+# The menu finds the monitor in each of the program's languages.
+metainfo=$root/usr/share/metainfo/com.korvane.Monitor.metainfo.xml
+for code in de ru fr es ja zh_CN; do
+    expect_equal "desktop entry in $code" "GenericName[$code] Comment[$code] Keywords[$code]" \
+        "$(grep -o -E "^(GenericName|Comment|Keywords)\[$code\]" "$entry" | paste -sd ' ')"
+    expect_equal "AppStream summary and description in $code" "2" \
+        "$(grep -c -E "<(summary|p) xml:lang=\"$code\">" "$metainfo")"
+done
+expect_equal "the menu's comment in Japanese" "Comment[ja]=分散処理サーバーのバッチとワーカーノードを監視・制御します" \
+    "$(grep -F 'Comment[ja]=' "$entry")"
+
 declare -A names=(
     [korvane-monitor]="korvane-monitor - operator's monitor for a distributed processing server"
     [korvane-ctl]="korvane-ctl - control tool for a distributed processing server"
