@@ -6,6 +6,7 @@
 #include <cstring>
 #include <httplib.h>
 #include <strings.h>
+#include <sys/socket.h>
 
 #include "exporter.h"
 
@@ -64,6 +65,12 @@ MetricsServer::MetricsServer(Exporter& exporter, std::string serverAddress)
     , m_serverAddress(std::move(serverAddress))
     , m_server(std::make_unique<httplib::Server>())
 {
+    // The library's default adds SO_REUSEPORT, which lets a second exporter
+    // share the port unnoticed; SO_REUSEADDR alone still allows a quick restart.
+    m_server->set_socket_options([](int socket) {
+        const int on = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    });
     route();
 }
 
