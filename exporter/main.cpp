@@ -63,6 +63,10 @@ int main(int argc, char** argv)
     const bool bracketed = options.listenHost.find(':') != std::string::npos;
     std::cout << "listening on " << (bracketed ? "[" : "") << options.listenHost << (bracketed ? "]" : "")
               << ":" << server.port() << std::endl;
+    // The client library's console lines would repeat with every reading (a
+    // line per skipped parameter object); this program logs on standard error.
+    std::cout.rdbuf(nullptr);
+    std::wcout.rdbuf(nullptr);
 
     std::atomic<bool> served {false};
     std::thread signalWaiter([&] {
