@@ -94,6 +94,8 @@ TEST(ExporterProgram, SigtermAndSigintEndItCleanly)
         EXPECT_EQ(exporter.err(),
             "korvane-exporter: cannot connect to 127.0.0.1:1; next attempt in 1 s\nkorvane-exporter: "
             "stopped\n");
+        // Standard output has the one line: the client library's own lines are kept off it.
+        EXPECT_EQ(exporter.out(), "");
     }
 }
 
