@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <httplib.h>
 #include <iostream>
@@ -53,6 +54,8 @@ struct Scrape
     double ms = 0;
     std::size_t bytes = 0;
     bool up = false;
+    // The exporter's own korvane_scrape_duration_seconds (plain scrapes only).
+    double readingMs = 0;
 };
 
 Scrape scrape(httplib::Client& client, bool gzip)
@@ -67,6 +70,10 @@ Scrape scrape(httplib::Client& client, bool gzip)
     if (result && result->status == 200) {
         scrape.bytes = result->body.size();
         scrape.up = gzip || result->body.find("\nkorvane_up 1\n") != std::string::npos;
+        const std::string name = "\nkorvane_scrape_duration_seconds ";
+        const std::size_t at = result->body.rfind(name);
+        if (!gzip && at != std::string::npos)
+            scrape.readingMs = 1000 * std::strtod(result->body.c_str() + at + name.size(), nullptr);
     }
     return scrape;
 }
@@ -127,6 +134,7 @@ void scrapes(int exporterPort)
     std::vector<double> fresh[2];
     std::vector<double> reused[2];
     std::size_t bytes[2] = {0, 0};
+    std::vector<double> readings;
     for (int round = 0; round < 16; ++round) {
         const bool gzip = round % 2 == 1;
         std::this_thread::sleep_for(std::chrono::milliseconds(1100)); // the last reading has gone stale
@@ -137,9 +145,15 @@ void scrapes(int exporterPort)
             return;
         }
         fresh[gzip].push_back(first.ms);
+        if (!gzip)
+            readings.push_back(first.readingMs);
         reused[gzip].push_back(second.ms);
         bytes[gzip] = first.bytes;
     }
+    std::printf(
+        "korvane_scrape_duration_seconds of those readings (requests, text and gzip): median %.0f ms, "
+        "max %.0f ms\n",
+        median(readings), maximum(readings));
     for (const bool gzip : {false, true}) {
         std::printf(
             "scrape %s: fresh reading median %.0f ms, max %.0f ms; reused median %.1f ms, max %.1f ms; "

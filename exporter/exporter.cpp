@@ -1,5 +1,6 @@
 #include "exporter.h"
 
+#include "gzip.h"
 #include "metricstext.h"
 
 Exporter::Exporter(const Settings& settings, std::ostream& log)
@@ -70,7 +71,10 @@ void Exporter::run()
         const auto end = MetricsPage::Clock::now();
         writeScrapeDuration(std::chrono::duration<double>(end - start).count(), text);
         m_lastSize = text.size();
-        auto page = std::make_shared<const MetricsPage>(std::move(text), end);
+        // Compressed here rather than for the first scraper that asks (all
+        // of Prometheus do), so that no HTTP thread grows a heap of its own.
+        std::string gzipped = gzipCompress(text);
+        auto page = std::make_shared<const MetricsPage>(std::move(text), std::move(gzipped), end);
 
         {
             std::lock_guard<std::mutex> lock(m_mutex);

@@ -13,9 +13,10 @@
 #include "farmsnapshot.h"
 #include "metricspage.h"
 
-// Turns scrapes into readings of the farm. All reading and writing of the
-// text happens on one thread of its own, so the big short-lived allocations
-// of a reading always come from the same heap, whichever HTTP thread asked.
+// Turns scrapes into readings of the farm. All reading, writing and
+// compressing of the text happens on one thread of its own, so the big
+// short-lived allocations of a reading always come from the same heap,
+// whichever HTTP thread asked.
 // A page younger than reuseFor is handed out again; scrapes that arrive
 // while a reading is under way wait for it and share it.
 class Exporter final

@@ -108,7 +108,7 @@ void MetricsServer::route()
             return;
         }
         // A body of known length goes out as it is: the library compresses
-        // only bodies it owns, and this one is compressed once per page.
+        // only bodies it owns, and this one is compressed once per reading.
         const bool gzip = acceptsGzip(request);
         const std::string& body = gzip ? page->gzipped() : page->text();
         if (gzip)
