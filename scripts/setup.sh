@@ -13,6 +13,7 @@ packages=(
     libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
+    libcpp-httplib-dev prometheus systemd
 )
 
 missing=()

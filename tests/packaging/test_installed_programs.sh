@@ -20,6 +20,12 @@ unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 expect_equal "korvane-monitor --version" "Korvane Monitor 0.1.0 build 2834" \
     "$("$root/usr/bin/korvane-monitor" --version 2>&1)"
 expect_equal "korvane-ctl --version" "korvane-ctl 0.1.0" "$("$root/usr/bin/korvane-ctl" --version 2>&1)"
+expect_equal "korvane-exporter --version" "korvane-exporter 0.1.0" \
+    "$("$root/usr/bin/korvane-exporter" --version 2>&1)"
+expect_equal "the exporter's service starts the packaged program with the defaults file's arguments" \
+    "EnvironmentFile=-/etc/default/korvane-exporter
+ExecStart=/usr/bin/korvane-exporter \$ARGS" \
+    "$(grep -E '^(EnvironmentFile|ExecStart)=' "$root/usr/lib/systemd/system/korvane-exporter.service")"
 
 # The probe prints the window's texts once it shows (see windowprobe.cpp).
 export QT_QPA_PLATFORM=offscreen QT_PLUGIN_PATH=$2 QT_QPA_GENERIC_PLUGINS=windowprobe

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct ExporterOptions
+{
+    // Given to ControlClient::connect as it is: a ":PORT" overrides 5840.
+    std::string server = "127.0.0.1";
+    std::string listenHost = "127.0.0.1";
+    int listenPort = 10084;
+    bool allBatches = false;
+    int serverTimeoutSeconds = 5;
+    bool help = false;
+    bool version = false;
+
+    // The server as "host:port", for log lines.
+    std::string serverAddress() const;
+};
+
+// Reads the command line (without the program name). On a usage error
+// returns false with a one-line reason.
+bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions& options, std::string& error);
+
+std::string exporterHelpText();

@@ -1,0 +1,227 @@
+#include <chrono>
+#include <fstream>
+#include <httplib.h>
+#include <sstream>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "childprocess.h"
+#include "exporteroptions.h"
+#include "scriptedserver.h"
+#include "tempdir.h"
+
+using namespace std::chrono_literals;
+
+// korvane-exporter as a program: arguments, exit codes, signals, and its
+// real output read by Prometheus' own checker.
+namespace {
+
+const std::string Exporter = KORVANE_EXPORTER_PROGRAM;
+const std::string Sim = KORVANE_SIM_PROGRAM;
+const std::string SourceDir = KORVANE_EXPORTER_SOURCE_DIR;
+
+std::string scrape(int port)
+{
+    httplib::Client client("127.0.0.1", port);
+    client.set_read_timeout(30, 0);
+    const httplib::Result result = client.Get("/metrics");
+    EXPECT_TRUE(result);
+    return result ? result->body : std::string();
+}
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+} // namespace
+
+TEST(ExporterProgram, HelpAndVersion)
+{
+    ChildProcess help(Exporter, {"--help"});
+    EXPECT_EQ(help.wait(), 0);
+    EXPECT_EQ(help.out(), exporterHelpText());
+    EXPECT_EQ(help.err(), "");
+
+    ChildProcess version(Exporter, {"--version"});
+    EXPECT_EQ(version.wait(), 0);
+    EXPECT_EQ(version.out(), "korvane-exporter 0.1.0\n");
+}
+
+TEST(ExporterProgram, UsageErrorsExitWithTwo)
+{
+    ChildProcess unknown(Exporter, {"--frobnicate"});
+    EXPECT_EQ(unknown.wait(), 2);
+    EXPECT_EQ(unknown.out(), "");
+    EXPECT_EQ(
+        unknown.err(), "korvane-exporter: unknown argument --frobnicate (see korvane-exporter --help)\n");
+
+    ChildProcess badListen(Exporter, {"--listen", "localhost"});
+    EXPECT_EQ(badListen.wait(), 2);
+    EXPECT_EQ(
+        badListen.err(), "korvane-exporter: not an ADDR:PORT: localhost (see korvane-exporter --help)\n");
+}
+
+TEST(ExporterProgram, AnAddressInUseExitsWithOne)
+{
+    ChildProcess first(Exporter, {"--listen", "127.0.0.1:0"});
+    const int port = first.listeningPort();
+    ASSERT_GT(port, 0);
+    ChildProcess second(Exporter, {"--listen", "127.0.0.1:" + std::to_string(port)});
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_EQ(second.out(), "");
+    EXPECT_EQ(second.err(),
+        "korvane-exporter: cannot listen on 127.0.0.1:" + std::to_string(port)
+            + ": Address already in use\n");
+    first.signal(SIGTERM);
+    EXPECT_EQ(first.wait(), 0);
+}
+
+TEST(ExporterProgram, SigtermAndSigintEndItCleanly)
+{
+    for (const int signal : {SIGTERM, SIGINT}) {
+        ChildProcess exporter(Exporter, {"--listen", "127.0.0.1:0", "--server", "127.0.0.1:1"});
+        const int port = exporter.listeningPort();
+        ASSERT_GT(port, 0);
+        // The server is away: the exporter answers all the same and goes on.
+        EXPECT_NE(scrape(port).find("\nkorvane_up 0\n"), std::string::npos);
+        exporter.signal(signal);
+        EXPECT_EQ(exporter.wait(), 0) << signal;
+        EXPECT_EQ(exporter.err(),
+            "korvane-exporter: cannot connect to 127.0.0.1:1; next attempt in 1 s\nkorvane-exporter: "
+            "stopped\n");
+        // Standard output has the one line: the client library's own lines are kept off it.
+        EXPECT_EQ(exporter.out(), "");
+    }
+}
+
+TEST(ExporterProgram, SigtermEndsItWhileAScrapeWaitsOnAQuietServer)
+{
+    ScriptedServer quiet;
+    quiet.acceptConnection().waitForLine().waitForClose();
+    quiet.start();
+    ChildProcess exporter(Exporter,
+        {"--listen", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(quiet.port()),
+            "--server-timeout", "600"});
+    const int port = exporter.listeningPort();
+    ASSERT_GT(port, 0);
+    std::thread scraper([port] {
+        httplib::Client client("127.0.0.1", port);
+        client.Get("/metrics");
+    });
+    std::this_thread::sleep_for(500ms);
+    const auto start = std::chrono::steady_clock::now();
+    exporter.signal(SIGTERM);
+    EXPECT_EQ(exporter.wait(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+    scraper.join();
+    EXPECT_TRUE(quiet.finish());
+}
+
+TEST(ExporterProgram, PromtoolFindsNoProblemInTheRealOutput)
+{
+    ChildProcess sim(Sim, {"--listen", "127.0.0.1:0", "--batches", "300", "--nodes", "40", "--speed", "60"});
+    const int simPort = sim.listeningPort();
+    ASSERT_GT(simPort, 0);
+    std::this_thread::sleep_for(1s); // a moving farm: nodes at work, errors, batches of every status
+    TempDir dir;
+    for (const bool all : {false, true}) {
+        std::vector<std::string> args {
+            "--listen", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(simPort)};
+        if (all)
+            args.push_back("--all-batches");
+        ChildProcess exporter(Exporter, args);
+        const int port = exporter.listeningPort();
+        ASSERT_GT(port, 0);
+        const std::string body = scrape(port);
+        ASSERT_NE(body.find("\nkorvane_up 1\n"), std::string::npos);
+        ASSERT_NE(body.find("\nkorvane_node_last_error_timestamp_seconds{"), std::string::npos);
+        ASSERT_NE(body.find("status=\"working\"} 1\n"), std::string::npos);
+        const std::string file = dir.write(all ? "all.txt" : "active.txt", body);
+        std::string output;
+        EXPECT_EQ(runCommand("promtool check metrics < " + file, output), 0) << output;
+        EXPECT_EQ(output, "");
+        exporter.signal(SIGTERM);
+        EXPECT_EQ(exporter.wait(), 0);
+    }
+    sim.signal(SIGTERM);
+    EXPECT_EQ(sim.wait(), 0);
+}
+
+TEST(ExporterProgram, PromtoolWouldSeeAWrongCounter)
+{
+    // The check above can fail: the same checker on a counter without _total.
+    TempDir dir;
+    const std::string file = dir.write("wrong.txt",
+        "# HELP korvane_node_errors Errors.\n# TYPE korvane_node_errors counter\nkorvane_node_errors 1\n");
+    std::string output;
+    EXPECT_NE(runCommand("promtool check metrics < " + file, output), 0);
+    EXPECT_NE(output.find("korvane_node_errors"), std::string::npos) << output;
+}
+
+TEST(ExporterProgram, SystemdAcceptsTheUnit)
+{
+    // A root with the unit and the program where the package puts them, and systemd's own units.
+    TempDir root;
+    std::string output;
+    ASSERT_EQ(runCommand("mkdir -p " + root.file("usr/bin") + " " + root.file("usr/lib/systemd")
+                      + " && cp -r " + "/usr/lib/systemd/system " + root.file("usr/lib/systemd/") + " && cp "
+                      + Exporter + " " + root.file("usr/bin/") + " && cp " + SourceDir
+                      + "/korvane-exporter.service " + root.file("usr/lib/systemd/system/"),
+                  output),
+        0)
+        << output;
+    // --man=no: the manual page is installed by the package, not on the build machine.
+    EXPECT_EQ(
+        runCommand(
+            "systemd-analyze verify --man=no --root=" + root.path() + " korvane-exporter.service", output),
+        0)
+        << output;
+    EXPECT_EQ(output, "");
+
+    const std::string unit = readFile(SourceDir + "/korvane-exporter.service");
+    for (const char* line : {"\nDynamicUser=yes\n", "\nNoNewPrivileges=yes\n", "\nProtectSystem=strict\n",
+             "\nEnvironmentFile=-/etc/default/korvane-exporter\n",
+             "\nExecStart=/usr/bin/korvane-exporter $ARGS\n"})
+        EXPECT_NE(unit.find(line), std::string::npos) << line;
+
+    // The same check speaks up about a bad value (a warning: the setting is ignored) ...
+    const std::string verify
+        = "systemd-analyze verify --man=no --root=" + root.path() + " korvane-exporter.service";
+    std::string broken = unit;
+    broken.replace(broken.find("ProtectSystem=strict"), 20, "ProtectSystem=sometimes");
+    root.write("usr/lib/systemd/system/korvane-exporter.service", broken);
+    runCommand(verify, output);
+    EXPECT_NE(output.find("Failed to parse protect system value, ignoring: sometimes"), std::string::npos)
+        << output;
+    // ... and refuses a program that is not there.
+    broken = unit;
+    broken.replace(broken.find("/usr/bin/korvane-exporter"), 25, "/usr/bin/korvane-exporterd");
+    root.write("usr/lib/systemd/system/korvane-exporter.service", broken);
+    EXPECT_NE(runCommand(verify, output), 0);
+    EXPECT_NE(output.find("Command /usr/bin/korvane-exporterd is not executable"), std::string::npos)
+        << output;
+}
+
+TEST(ExporterProgram, DefaultArgumentsServeOnLoopback)
+{
+    const std::string text = readFile(SourceDir + "/korvane-exporter.default");
+    const std::size_t start = text.find("\nARGS=\"");
+    ASSERT_NE(start, std::string::npos);
+    const std::size_t end = text.find("\"\n", start + 7);
+    ASSERT_NE(end, std::string::npos);
+    std::istringstream words(text.substr(start + 7, end - start - 7));
+    std::vector<std::string> args;
+    for (std::string word; words >> word;)
+        args.push_back(word);
+    ExporterOptions options;
+    std::string error;
+    ASSERT_TRUE(parseExporterOptions(args, options, error)) << error;
+    EXPECT_EQ(options.serverAddress(), "127.0.0.1:5840");
+    EXPECT_EQ(options.listenHost, "127.0.0.1");
+    EXPECT_EQ(options.listenPort, 10084);
+}

@@ -1,0 +1,345 @@
+#include <atomic>
+#include <chrono>
+#include <httplib.h>
+#include <sstream>
+#include <thread>
+#include <zlib.h>
+
+#include <gtest/gtest.h>
+
+#include "consolecapture.h"
+#include "exporter.h"
+#include "exportertestsupport.h"
+#include "metricsserver.h"
+#include "scriptedserver.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::string gunzip(const std::string& bytes)
+{
+    z_stream stream {};
+    if (inflateInit2(&stream, 15 + 16) != Z_OK)
+        return "(no zlib)";
+    std::string out;
+    char block[65536];
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    int result = Z_OK;
+    while (result == Z_OK) {
+        stream.next_out = reinterpret_cast<Bytef*>(block);
+        stream.avail_out = sizeof block;
+        result = inflate(&stream, Z_NO_FLUSH);
+        out.append(block, sizeof block - stream.avail_out);
+    }
+    inflateEnd(&stream);
+    return result == Z_STREAM_END ? out : "(not gzip)";
+}
+
+// The body without its last family, korvane_scrape_duration_seconds, whose value changes.
+std::string withoutDuration(const std::string& body)
+{
+    const std::size_t at = body.find("# HELP korvane_scrape_duration_seconds ");
+    return at == std::string::npos ? body + "(no duration)" : body.substr(0, at);
+}
+
+const std::string DownBody
+    = "# HELP korvane_up 1 when this scrape's requests to the processing server succeeded, "
+      "else 0.\n# TYPE korvane_up gauge\nkorvane_up 0\n";
+
+// The simulator's farm of seed 1, its clock standing still.
+const std::string FrozenFarmCounts = R"(korvane_batches{status="pending"} 21
+korvane_batches{status="working"} 0
+korvane_batches{status="completed"} 6
+korvane_batches{status="paused"} 1
+korvane_batches{status="aborted"} 2
+korvane_batches{status="ready"} 0
+# HELP korvane_nodes Worker nodes of the processing server, by status.
+# TYPE korvane_nodes gauge
+korvane_nodes{status="pending"} 1
+korvane_nodes{status="working"} 0
+korvane_nodes{status="completed"} 0
+korvane_nodes{status="paused"} 2
+korvane_nodes{status="aborted"} 1
+korvane_nodes{status="ready"} 8
+)";
+
+// An exporter and its HTTP side on a free loopback port, serving from a thread of their own.
+class Served final
+{
+public:
+    Served(const std::string& server, std::chrono::milliseconds reuseFor = 1000ms, int serverTimeout = 5)
+        : m_exporter(settings(server, reuseFor, serverTimeout), m_log)
+        , m_http(m_exporter, server)
+    {
+        std::string error;
+        EXPECT_TRUE(m_http.bind("127.0.0.1", 0, error)) << error;
+        m_thread = std::thread([this] {
+            m_http.run();
+            m_ended = true;
+        });
+    }
+    ~Served()
+    {
+        m_exporter.stop();
+        m_http.stop();
+        // stop() before the server has begun to listen does nothing: ask until it ends.
+        while (!m_ended) {
+            m_http.stop();
+            std::this_thread::sleep_for(10ms);
+        }
+        m_thread.join();
+    }
+    Served(const Served&) = delete;
+    Served& operator=(const Served&) = delete;
+
+    httplib::Result get(const std::string& path, const httplib::Headers& headers = {})
+    {
+        httplib::Client client("127.0.0.1", m_http.port());
+        client.set_decompress(false);
+        client.set_read_timeout(30, 0);
+        return client.Get(path.c_str(), headers);
+    }
+    std::string metrics()
+    {
+        const httplib::Result result = get("/metrics");
+        EXPECT_TRUE(result);
+        if (!result)
+            return {};
+        EXPECT_EQ(result->status, 200);
+        return result->body;
+    }
+
+    Exporter& exporter() { return m_exporter; }
+    std::string log() { return taken(m_log); }
+
+private:
+    static Exporter::Settings settings(
+        const std::string& server, std::chrono::milliseconds reuseFor, int timeout)
+    {
+        Exporter::Settings settings;
+        settings.server = server;
+        settings.reuseFor = reuseFor;
+        settings.serverTimeoutSeconds = timeout;
+        return settings;
+    }
+
+    ConsoleCapture m_console;
+    std::ostringstream m_log;
+    Exporter m_exporter;
+    MetricsServer m_http;
+    std::atomic<bool> m_ended {false};
+    std::thread m_thread;
+};
+
+} // namespace
+
+TEST(MetricsServer, MetricsInTheTextFormat)
+{
+    SimOnPort sim;
+    Served served(sim.address());
+    const httplib::Result result = served.get("/metrics");
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 200);
+    EXPECT_EQ(result->get_header_value("Content-Type"), "text/plain; version=0.0.4; charset=utf-8");
+    EXPECT_EQ(result->get_header_value("Content-Encoding"), "");
+    EXPECT_EQ(result->body.rfind("# HELP korvane_up 1 when this scrape's requests to the processing server "
+                                 "succeeded, else 0.\n# TYPE korvane_up gauge\nkorvane_up 1\n",
+                  0),
+        0u);
+    EXPECT_NE(result->body.find(FrozenFarmCounts), std::string::npos) << result->body.substr(0, 1500);
+    EXPECT_NE(
+        result->body.find("\n# TYPE korvane_scrape_duration_seconds gauge\nkorvane_scrape_duration_seconds "),
+        std::string::npos);
+    EXPECT_EQ(result->body.back(), '\n');
+}
+
+TEST(MetricsServer, IndexPageAndNotFound)
+{
+    SimOnPort sim;
+    Served served(sim.address());
+    const httplib::Result index = served.get("/");
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->status, 200);
+    EXPECT_EQ(index->get_header_value("Content-Type"), "text/html; charset=utf-8");
+    EXPECT_EQ(index->body,
+        "<!DOCTYPE html>\n<html><head><title>Korvane Exporter</title></head><body>\n<h1>Korvane "
+        "Exporter</h1>\n"
+        "<p>Watching the processing server at "
+            + sim.address() + ".</p>\n<p><a href=\"/metrics\">Metrics</a></p>\n</body></html>\n");
+
+    for (const char* path : {"/nope", "/metrics/", "/metrics/extra", "/index.html", "/favicon.ico"}) {
+        const httplib::Result missing = served.get(path);
+        ASSERT_TRUE(missing) << path;
+        EXPECT_EQ(missing->status, 404) << path;
+        EXPECT_EQ(missing->body, "404 page not found; the metrics are at /metrics\n") << path;
+    }
+    // Nothing here reads the server.
+    EXPECT_EQ(served.exporter().readings(), 0u);
+}
+
+TEST(MetricsServer, GzipWhenTheScraperAcceptsIt)
+{
+    SimOnPort sim;
+    Served served(sim.address(), 60s);
+    const std::string plain = served.metrics();
+    for (const char* accepted : {"gzip", "deflate, gzip", "gzip;q=1.0, identity;q=0.5, *;q=0"}) {
+        const httplib::Result zipped = served.get("/metrics", {{"Accept-Encoding", accepted}});
+        ASSERT_TRUE(zipped);
+        EXPECT_EQ(zipped->get_header_value("Content-Encoding"), "gzip") << accepted;
+        EXPECT_LT(zipped->body.size(), plain.size() / 3);
+        EXPECT_EQ(gunzip(zipped->body), plain);
+    }
+    for (const char* refused : {"identity", "gzip;q=0", "br"}) {
+        const httplib::Result asIs = served.get("/metrics", {{"Accept-Encoding", refused}});
+        ASSERT_TRUE(asIs);
+        EXPECT_EQ(asIs->get_header_value("Content-Encoding"), "") << refused;
+        EXPECT_EQ(asIs->body, plain);
+    }
+    EXPECT_EQ(served.exporter().readings(), 1u);
+}
+
+TEST(MetricsServer, ScrapesWithinOneSecondReuseTheReading)
+{
+    SimOnPort sim;
+    Served served(sim.address());
+    const std::string first = served.metrics();
+    const std::string second = served.metrics();
+    EXPECT_EQ(second, first);
+    EXPECT_EQ(served.exporter().readings(), 1u);
+    std::this_thread::sleep_for(1100ms);
+    served.metrics();
+    EXPECT_EQ(served.exporter().readings(), 2u);
+}
+
+TEST(MetricsServer, TwentyConcurrentScrapesShareOneReading)
+{
+    // Each reply held back, so that all twenty arrive while the reading is under way.
+    FaultSwitches slow;
+    slow.delayMs = 300;
+    SimOnPort sim(0, FarmConfig(), 0, slow);
+    Served served(sim.address());
+
+    std::vector<std::string> bodies(20);
+    std::vector<int> statuses(20, 0);
+    std::atomic<int> ready {0};
+    std::vector<std::thread> scrapers;
+    for (std::size_t i = 0; i < bodies.size(); ++i) {
+        scrapers.emplace_back([&, i] {
+            ++ready;
+            while (ready < 20)
+                std::this_thread::yield();
+            const httplib::Result result = served.get("/metrics");
+            if (result) {
+                statuses[i] = result->status;
+                bodies[i] = result->body;
+            }
+        });
+    }
+    for (std::thread& scraper : scrapers)
+        scraper.join();
+    for (std::size_t i = 0; i < bodies.size(); ++i) {
+        EXPECT_EQ(statuses[i], 200) << i;
+        EXPECT_EQ(bodies[i], bodies[0]) << i;
+    }
+    EXPECT_NE(bodies[0].find("korvane_up 1\n"), std::string::npos);
+    // Nor is a second reading queued behind the first: long enough for one to finish.
+    std::this_thread::sleep_for(1000ms);
+    EXPECT_EQ(served.exporter().readings(), 1u);
+}
+
+TEST(MetricsServer, ServerDownGivesUpZeroAndComesBack)
+{
+    const std::uint16_t port = freeLoopbackPort();
+    const std::string address = "127.0.0.1:" + std::to_string(port);
+    Served served(address);
+
+    const httplib::Result down = served.get("/metrics");
+    ASSERT_TRUE(down);
+    EXPECT_EQ(down->status, 200);
+    EXPECT_EQ(withoutDuration(down->body), DownBody);
+    EXPECT_EQ(served.log(), "korvane-exporter: cannot connect to " + address + "; next attempt in 1 s\n");
+
+    SimOnPort sim(port);
+    ASSERT_TRUE(sim.listening());
+    std::string body;
+    for (int attempt = 0; attempt < 40 && body.find("korvane_up 1\n") == std::string::npos; ++attempt) {
+        std::this_thread::sleep_for(250ms);
+        body = served.metrics();
+    }
+    EXPECT_NE(body.find("korvane_up 1\n"), std::string::npos);
+    EXPECT_NE(body.find(FrozenFarmCounts), std::string::npos);
+    EXPECT_EQ(served.log(), "korvane-exporter: reading " + address + "\n");
+}
+
+TEST(MetricsServer, AProjectPathWithQuoteBackslashAndLineFeed)
+{
+    SimOnPort sim;
+    const std::string path = "/srv/a \"quoted\" name\\sub\\\nsecond line/Brücke-Süd.kproj";
+    std::uint32_t id = 0;
+    {
+        ConsoleCapture console;
+        ControlClient client;
+        ASSERT_TRUE(client.connect("127.0.0.1", sim.port()));
+        ControlClient::TaskRequest task;
+        task.name = "AlignCameras";
+        id = client.createBatch(path, {task});
+        ASSERT_NE(id, ControlClient::NoId);
+    }
+    Served served(sim.address());
+    const std::string body = served.metrics();
+    const std::string labels = "batch_id=\"" + std::to_string(id)
+        + "\",project=\"/srv/a \\\"quoted\\\" name\\\\sub\\\\\\nsecond line/Brücke-Süd.kproj\"";
+    EXPECT_NE(body.find("korvane_batch_info{" + labels + ",task=\"AlignCameras\",status=\"pending\"} 1\n"),
+        std::string::npos)
+        << body.substr(body.find("korvane_batch_info"), 2000);
+    EXPECT_NE(body.find("korvane_batch_priority{" + labels + "} 0\n"), std::string::npos);
+}
+
+TEST(MetricsServer, AMemberOfTheWrongTypeGivesUpZeroAndTheExporterGoesOn)
+{
+    ScriptedServer server;
+    server.acceptConnection()
+        .reply(R"({"result":[]})")
+        .reply(R"({"result":[{"node_id":1,"hostname":"h"},{"node_id":2,"error_count":"many"}]})")
+        .reply(R"({"result":[]})")
+        .reply(R"({"result":[{"node_id":1,"hostname":"h"}]})");
+    server.start();
+    const std::string address = "127.0.0.1:" + std::to_string(server.port());
+    Served served(address, 0ms);
+
+    const httplib::Result wrong = served.get("/metrics");
+    ASSERT_TRUE(wrong);
+    EXPECT_EQ(wrong->status, 200);
+    EXPECT_EQ(withoutDuration(wrong->body), DownBody);
+    EXPECT_EQ(served.log(),
+        "korvane-exporter: listNodes reply: result[1].error_count has the wrong type (Value is not "
+        "convertible "
+        "to UInt.)\n");
+
+    const std::string body = served.metrics();
+    EXPECT_NE(body.find("korvane_up 1\n"), std::string::npos);
+    EXPECT_NE(body.find("korvane_node_info{node_id=\"1\",host=\"h\",version=\"\",status=\"pending\"} 1\n"),
+        std::string::npos);
+    EXPECT_EQ(served.log(), "korvane-exporter: reading " + address + "\n");
+}
+
+TEST(MetricsServer, StoppingAnswersAWaitingScrape)
+{
+    ScriptedServer mute;
+    mute.acceptConnection().waitForLine();
+    mute.start();
+    Served served("127.0.0.1:" + std::to_string(mute.port()), 1000ms, 60);
+    std::thread stopper([&] {
+        std::this_thread::sleep_for(300ms);
+        served.exporter().stop();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const httplib::Result result = served.get("/metrics");
+    stopper.join();
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->status, 503);
+    EXPECT_EQ(result->body, "The exporter is stopping.\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
