@@ -56,7 +56,7 @@ Json::Value batchObject(int n)
 
     Json::Value batch(Json::objectValue);
     batch["batch_id"] = static_cast<Json::UInt>(n);
-    batch["path"] = "/projects/site_" + std::to_string(n) + "/model.psx";
+    batch["path"] = "/projects/site_" + std::to_string(n) + "/model.kproj";
     batch["status"] = n % 3 ? "inprogress" : "paused";
     batch["priority"] = n % 5 - 2;
     batch["time_started"] = static_cast<Json::UInt>(1700000000 + n);

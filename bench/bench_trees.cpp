@@ -17,7 +17,7 @@ ControlClient::BatchList makeBatches(int count, int variant)
         ControlClient::BatchInfo& b = list[i];
         b.batchId = std::uint32_t(i + 1 + variant * count);
         b.path
-            = "/srv/projects/site-" + std::to_string(i % 97) + (variant ? "/survey-b.psx" : "/survey-a.psx");
+            = "/srv/projects/site-" + std::to_string(i % 97) + (variant ? "/survey-b.kproj" : "/survey-a.kproj");
         b.timeStarted = std::uint32_t(1700000000 + i * 37 + variant * 5);
         b.status = variant ? ControlClient::InProgress : ControlClient::Paused;
         b.priority = variant ? 1 : -1;

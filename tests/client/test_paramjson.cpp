@@ -118,8 +118,8 @@ TEST(ParamsToJson, ArraysOfThirtyTwoBitAndRealTypesBecomeJsonArrays)
 TEST(ParamsToJson, StringValueGoesAsItsText)
 {
     ParamMap params;
-    params.emplace("path", ParamValue(std::string("/data/a b.psx")));
-    EXPECT_EQ(compact(paramsToJson(params)), "{\"path\":\"/data/a b.psx\"}\n");
+    params.emplace("path", ParamValue(std::string("/data/a b.kproj")));
+    EXPECT_EQ(compact(paramsToJson(params)), "{\"path\":\"/data/a b.kproj\"}\n");
 }
 
 TEST(ParamsFromJson, ArrayWithARealBecomesDouble)

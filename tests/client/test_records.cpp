@@ -17,7 +17,7 @@ Json::Value parse(const std::string& text)
 }
 
 const char* const FullBatch = R"({
-    "batch_id": 12, "path": "/projects/site.psx", "status": "inprogress", "priority": -1,
+    "batch_id": 12, "path": "/projects/site.kproj", "status": "inprogress", "priority": -1,
     "time_started": 1700000000,
     "task": {"name": "BuildDenseCloud", "params": {"quality": 2, "filter": "mild"}, "status": "paused",
              "time_elapsed": 61.5, "time_left": 30.25, "progress": 66.6, "items_total": 40, "items_done": 12,
@@ -65,7 +65,7 @@ TEST(ControlClientRecords, BatchFieldsComeFromTheirKeys)
     ControlClient::BatchInfo batch;
     ControlClient::parseBatchInfo(parse(FullBatch), batch);
     EXPECT_EQ(batch.batchId, 12u);
-    EXPECT_EQ(batch.path, "/projects/site.psx");
+    EXPECT_EQ(batch.path, "/projects/site.kproj");
     EXPECT_EQ(batch.status, ControlClient::InProgress);
     EXPECT_EQ(batch.priority, -1);
     EXPECT_EQ(batch.timeStarted, 1700000000u);
@@ -165,14 +165,14 @@ TEST(ControlClientRecords, StatusWithTasksKeepsTheirOrder)
 {
     ControlClient::BatchStatus status;
     ControlClient::parseBatchStatus(parse(R"({
-        "path": "/p/a.psx", "status": "aborted", "priority": 1,
+        "path": "/p/a.kproj", "status": "aborted", "priority": 1,
         "tasks": [{"name": "AlignCameras", "status": "completed"},
                   {"name": "BuildDenseCloud", "status": "inprogress", "progress": 50},
                   {"name": "ExportModel"}],
         "last_error": {"time": 1700000200, "node_id": 5, "message": "disk full"}
     })"),
         status);
-    EXPECT_EQ(status.path, "/p/a.psx");
+    EXPECT_EQ(status.path, "/p/a.kproj");
     EXPECT_EQ(status.status, ControlClient::Aborted);
     EXPECT_EQ(status.priority, 1);
     ASSERT_EQ(status.tasks.size(), 3u);

@@ -64,8 +64,8 @@ TEST_F(ControlClientRequests, EveryMethodSendsItsExactLine)
     EXPECT_TRUE(m_client.setNodePriority(10, 2));
     ControlClient::TaskRequest task;
     task.name = "AlignCameras";
-    EXPECT_EQ(m_client.createBatch("/p/a.psx", {task}), 17u);
-    EXPECT_EQ(m_client.findBatch("/p/a.psx"), 18u);
+    EXPECT_EQ(m_client.createBatch("/p/a.kproj", {task}), 17u);
+    EXPECT_EQ(m_client.findBatch("/p/a.kproj"), 18u);
     EXPECT_TRUE(m_server.finish());
 
     EXPECT_EQ(m_server.received(),
@@ -80,8 +80,8 @@ TEST_F(ControlClientRequests, EveryMethodSendsItsExactLine)
             + line(R"({"id":9,"method":"setBatchPriority","params":{"batch_id":9,"priority":-2}})")
             + line(R"({"id":10,"method":"setNodePriority","params":{"node_id":10,"priority":2}})")
             + line(
-                R"({"id":11,"method":"createBatch","params":{"path":"/p/a.psx","tasks":[{"name":"AlignCameras","params":null}]}})")
-            + line(R"({"id":12,"method":"findBatch","params":{"path":"/p/a.psx"}})"));
+                R"({"id":11,"method":"createBatch","params":{"path":"/p/a.kproj","tasks":[{"name":"AlignCameras","params":null}]}})")
+            + line(R"({"id":12,"method":"findBatch","params":{"path":"/p/a.kproj"}})"));
     EXPECT_EQ(m_console.text(), "connected to 127.0.0.1:" + std::to_string(m_server.port()) + "\n");
 }
 
@@ -195,13 +195,13 @@ TEST_F(ControlClientRequests, ScalarListResultIsAnEmptyList)
 TEST_F(ControlClientRequests, BatchListIsFilledFromTheResult)
 {
     m_server.acceptConnection().reply(
-        R"({"id":0,"result":[{"batch_id":1,"path":"/a.psx","status":"paused","priority":2,"time_started":100,)"
+        R"({"id":0,"result":[{"batch_id":1,"path":"/a.kproj","status":"paused","priority":2,"time_started":100,)"
         R"("task":{"name":"ExportModel","progress":12.5,"params":{"format":"obj"}}},{"batch_id":2}]})");
     connectClient();
     ControlClient::BatchList batches;
     ASSERT_TRUE(m_client.listBatches(batches));
     ASSERT_EQ(batches.size(), 2u);
-    EXPECT_EQ(batches[0].path, "/a.psx");
+    EXPECT_EQ(batches[0].path, "/a.kproj");
     EXPECT_EQ(batches[0].status, ControlClient::Paused);
     EXPECT_EQ(batches[0].priority, 2);
     EXPECT_EQ(batches[0].timeStarted, 100u);
@@ -231,11 +231,11 @@ TEST_F(ControlClientRequests, NodeListIsFilledFromTheResult)
 TEST_F(ControlClientRequests, BatchStatusIsFilledFromTheResult)
 {
     m_server.acceptConnection().reply(
-        R"({"result":{"path":"/b.psx","status":"completed","priority":-1,"tasks":[{"name":"A"},{"name":"B"}]}})");
+        R"({"result":{"path":"/b.kproj","status":"completed","priority":-1,"tasks":[{"name":"A"},{"name":"B"}]}})");
     connectClient();
     ControlClient::BatchStatus status;
     ASSERT_TRUE(m_client.getBatchStatus(8, status));
-    EXPECT_EQ(status.path, "/b.psx");
+    EXPECT_EQ(status.path, "/b.kproj");
     EXPECT_EQ(status.status, ControlClient::Completed);
     EXPECT_EQ(status.priority, -1);
     ASSERT_EQ(status.tasks.size(), 2u);
@@ -275,10 +275,10 @@ TEST_F(ControlClientRequests, CreateBatchWithoutChunksAndFramesSendsNeitherKey)
     align.params.emplace("accuracy", ParamValue(std::int32_t(1)));
     ControlClient::TaskRequest build;
     build.name = "BuildModel";
-    EXPECT_EQ(m_client.createBatch("/p/x.psx", {align, build}), 5u);
+    EXPECT_EQ(m_client.createBatch("/p/x.kproj", {align, build}), 5u);
     EXPECT_TRUE(m_server.finish());
     EXPECT_EQ(m_server.received(),
-        line(R"({"id":0,"method":"createBatch","params":{"path":"/p/x.psx","tasks":[)"
+        line(R"({"id":0,"method":"createBatch","params":{"path":"/p/x.kproj","tasks":[)"
              R"({"name":"AlignCameras","params":{"accuracy":1}},{"name":"BuildModel","params":null}]}})"));
 }
 
@@ -294,10 +294,10 @@ TEST_F(ControlClientRequests, CreateBatchSendsChunksAndFramesAscending)
     task.chunks = {3, -1, 1};
     task.frames[2] = {5, 4};
     task.frames[1] = {9};
-    EXPECT_EQ(m_client.createBatch("/p/y.psx", {task}), 4000000000u);
+    EXPECT_EQ(m_client.createBatch("/p/y.kproj", {task}), 4000000000u);
     EXPECT_TRUE(m_server.finish());
     EXPECT_EQ(m_server.received(),
-        line(R"({"id":0,"method":"createBatch","params":{"path":"/p/y.psx","tasks":[{"chunks":[-1,1,3],)"
+        line(R"({"id":0,"method":"createBatch","params":{"path":"/p/y.kproj","tasks":[{"chunks":[-1,1,3],)"
              R"("frames":[[1,9],[2,4],[2,5]],"name":"BuildDenseCloud",)"
              R"("params":{"depth":[0.5,1.0],"filter":"mild","quality":2}}]}})"));
 }

@@ -24,7 +24,7 @@ ControlClient::TaskInfo task(const char* name, ControlClient::Status status)
 ControlClient::BatchStatus workingBatch()
 {
     ControlClient::BatchStatus status;
-    status.path = "/srv/projects/harbour-survey/harbour.psx";
+    status.path = "/srv/projects/harbour-survey/harbour.kproj";
     status.status = ControlClient::InProgress;
 
     ControlClient::TaskInfo align = task("AlignCameras", ControlClient::Completed);

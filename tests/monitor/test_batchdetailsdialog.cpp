@@ -44,7 +44,7 @@ ControlClient::TaskInfo task(const char* name, ControlClient::Status status, int
 ControlClient::BatchStatus threeTasks()
 {
     ControlClient::BatchStatus status;
-    status.path = "/projects/harbour/survey.psx";
+    status.path = "/projects/harbour/survey.kproj";
     status.status = ControlClient::InProgress;
     status.tasks = {task("AlignCameras", ControlClient::Completed, 10),
         task("BuildModel", ControlClient::InProgress, 4), task("ExportModel", ControlClient::Pending)};
@@ -219,7 +219,7 @@ TEST_F(BatchDetailsDialogTest, StatusFillsPathAndOneRowPerTaskWithDisplayNames)
 {
     dialog.setBatchStatus(threeTasks());
 
-    EXPECT_EQ(path->text(), QStringLiteral("/projects/harbour/survey.psx"));
+    EXPECT_EQ(path->text(), QStringLiteral("/projects/harbour/survey.kproj"));
     ASSERT_EQ(list->count(), 3);
     for (int row = 0; row < 3; ++row) {
         EXPECT_EQ(list->item(row)->type(), int(QListWidgetItem::Type));
@@ -233,9 +233,9 @@ TEST_F(BatchDetailsDialogTest, StatusFillsPathAndOneRowPerTaskWithDisplayNames)
 TEST_F(BatchDetailsDialogTest, PathIsDecodedAsUtf8)
 {
     ControlClient::BatchStatus status = threeTasks();
-    status.path = "/projekte/m\xc3\xbchle.psx";
+    status.path = "/projekte/m\xc3\xbchle.kproj";
     dialog.setBatchStatus(status);
-    EXPECT_EQ(path->text(), QStringLiteral("/projekte/m\u00fchle.psx"));
+    EXPECT_EQ(path->text(), QStringLiteral("/projekte/m\u00fchle.kproj"));
 }
 
 TEST_F(BatchDetailsDialogTest, TaskUnknownToTheDisplayNameTableShowsItsRawName)
@@ -320,10 +320,10 @@ TEST_F(BatchDetailsDialogTest, BatchWithoutTasksLeavesTheListAsItWas)
     const QString second = rowHeader(1);
 
     ControlClient::BatchStatus empty;
-    empty.path = "/projects/other.psx";
+    empty.path = "/projects/other.kproj";
     dialog.setBatchStatus(empty);
 
-    EXPECT_EQ(path->text(), QStringLiteral("/projects/other.psx"));
+    EXPECT_EQ(path->text(), QStringLiteral("/projects/other.kproj"));
     ASSERT_EQ(list->count(), 3);
     EXPECT_EQ(rowHeader(1), second);
 }

@@ -17,7 +17,7 @@ ControlClient::BatchInfo workingBatch()
 {
     ControlClient::BatchInfo batch;
     batch.batchId = 12;
-    batch.path = "/projects/city/scan.psx";
+    batch.path = "/projects/city/scan.kproj";
     batch.status = ControlClient::InProgress;
     batch.priority = 1;
     batch.timeStarted = localTime(QDate(2024, 2, 1), QTime(14, 3, 9));
@@ -123,7 +123,7 @@ TEST_F(CellTextTest, WorkingBatchRowReadsInFull)
 {
     const BatchCells cells = batchCells(workingBatch());
     EXPECT_EQ(cells[BatchColumnId], QStringLiteral("12"));
-    EXPECT_EQ(cells[BatchColumnProject], QStringLiteral("scan.psx"));
+    EXPECT_EQ(cells[BatchColumnProject], QStringLiteral("scan.kproj"));
     EXPECT_EQ(cells[BatchColumnStarted], QStringLiteral("2024-02-01 14:03:09"));
     EXPECT_EQ(cells[BatchColumnStatus], QStringLiteral("Working"));
     EXPECT_EQ(cells[BatchColumnPriority], QStringLiteral("High"));
@@ -135,10 +135,10 @@ TEST_F(CellTextTest, WorkingBatchRowReadsInFull)
 
 TEST_F(CellTextTest, PathWithoutSlashShowsWholeAndTrailingSlashShowsNothing)
 {
-    EXPECT_EQ(projectName("scan.psx"), QStringLiteral("scan.psx"));
+    EXPECT_EQ(projectName("scan.kproj"), QStringLiteral("scan.kproj"));
     EXPECT_EQ(projectName("/projects/city/"), QString());
-    EXPECT_EQ(projectName("C:\\projects\\scan.psx"), QStringLiteral("C:\\projects\\scan.psx"));
-    EXPECT_EQ(projectName("/projects/Größe.psx"), QStringLiteral("Größe.psx"));
+    EXPECT_EQ(projectName("C:\\projects\\scan.kproj"), QStringLiteral("C:\\projects\\scan.kproj"));
+    EXPECT_EQ(projectName("/projects/Größe.kproj"), QStringLiteral("Größe.kproj"));
 }
 
 TEST_F(CellTextTest, TaskWithoutNameShowsEmptyTaskAndWaiting)

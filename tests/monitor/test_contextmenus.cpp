@@ -16,12 +16,12 @@ namespace {
 
 const std::map<std::string, std::string> FarmReplies = {
     {"listBatches",
-        R"({"result":[{"batch_id":7,"path":"/projects/seven.psx","status":"inprogress"},)"
-        R"({"batch_id":8,"path":"/projects/eight.psx","status":"paused"}]})"},
+        R"({"result":[{"batch_id":7,"path":"/projects/seven.kproj","status":"inprogress"},)"
+        R"({"batch_id":8,"path":"/projects/eight.kproj","status":"paused"}]})"},
     {"listNodes",
         R"({"result":[{"node_id":3,"hostname":"render-03:5841"},{"node_id":4,"hostname":"render-04:5841"}]})"},
     {"getBatchStatus",
-        R"({"result":{"path":"/projects/seven.psx","status":"inprogress","tasks":[)"
+        R"({"result":{"path":"/projects/seven.kproj","status":"inprogress","tasks":[)"
         R"({"name":"AlignCameras","status":"completed","items_total":4,"items_done":4},)"
         R"({"name":"BuildModel","status":"inprogress","progress":40,"items_total":10,"items_done":4}]}})"},
 };
@@ -174,7 +174,7 @@ TEST_F(ContextMenus, DetailsFollowTheChosenBatchOnlyWhileOpen)
     chooseFromMenu(ui.batches, 0, {"Details..."});
     ASSERT_TRUE(waitUntil([&] { return !watcher.isActive(); }));
 
-    EXPECT_EQ(path, QStringLiteral("/projects/seven.psx"));
+    EXPECT_EQ(path, QStringLiteral("/projects/seven.kproj"));
     EXPECT_EQ(rows, 2);
     EXPECT_EQ(secondHeader, QStringLiteral("Build Mesh (4/10 completed, 0/0 nodes active)"));
     EXPECT_FALSE(errorShown);

@@ -140,7 +140,7 @@ TEST_F(MonitorPanel, RowsAreReusedByPositionAndCarryTheirIds)
 {
     Monitor panel(nullptr);
     PanelWidgets ui(panel);
-    panel.updateBatches({batch(4, "/p/a.psx"), batch(9, "/p/b.psx"), batch(12, "/p/c.psx")});
+    panel.updateBatches({batch(4, "/p/a.kproj"), batch(9, "/p/b.kproj"), batch(12, "/p/c.kproj")});
     ASSERT_EQ(ui.batches->topLevelItemCount(), 3);
     QTreeWidgetItem* first = ui.batches->topLevelItem(0);
     ui.batches->setCurrentItem(ui.batches->topLevelItem(1));
@@ -148,11 +148,11 @@ TEST_F(MonitorPanel, RowsAreReusedByPositionAndCarryTheirIds)
     EXPECT_EQ(first->data(0, Qt::UserRole).typeId(), QMetaType::UInt);
 
     // another batch moves into row 0; the row object and the selection stay
-    panel.updateBatches({batch(77, "/p/z.psx"), batch(9, "/p/b.psx")});
+    panel.updateBatches({batch(77, "/p/z.kproj"), batch(9, "/p/b.kproj")});
     ASSERT_EQ(ui.batches->topLevelItemCount(), 2);
     EXPECT_EQ(ui.batches->topLevelItem(0), first);
     EXPECT_EQ(first->text(0), QStringLiteral("77"));
-    EXPECT_EQ(first->text(1), QStringLiteral("z.psx"));
+    EXPECT_EQ(first->text(1), QStringLiteral("z.kproj"));
     EXPECT_EQ(first->data(0, Qt::UserRole).toUInt(), 77u);
     EXPECT_EQ(ui.batches->currentItem(), ui.batches->topLevelItem(1));
     EXPECT_EQ(ui.batches->topLevelItem(1)->text(0), QStringLiteral("9"));
@@ -252,7 +252,7 @@ TEST_F(MonitorPanel, ConnectSavesTheServerAndPollsUntilDisconnect)
 {
     ScriptedServer server;
     server.acceptConnection().answerByMethod(
-        {{"listBatches", R"({"result":[{"batch_id":4,"path":"/p/a.psx"}]})"},
+        {{"listBatches", R"({"result":[{"batch_id":4,"path":"/p/a.kproj"}]})"},
             {"listNodes", R"({"result":[{"node_id":2,"hostname":"render-02:5841"}]})"}},
         R"({"result":true})");
     server.start();
@@ -270,7 +270,7 @@ TEST_F(MonitorPanel, ConnectSavesTheServerAndPollsUntilDisconnect)
         EXPECT_EQ(QSettings().value(QStringLiteral("main/network_port")).toInt(), server.port());
         ASSERT_TRUE(waitUntil(
             [&] { return ui.batches->topLevelItemCount() == 1 && ui.nodes->topLevelItemCount() == 1; }));
-        EXPECT_EQ(ui.batches->topLevelItem(0)->text(1), QStringLiteral("a.psx"));
+        EXPECT_EQ(ui.batches->topLevelItem(0)->text(1), QStringLiteral("a.kproj"));
 
         ui.button->click();
         EXPECT_EQ(ui.button->text(), QStringLiteral("Disconnect")); // until the thread has ended
@@ -322,7 +322,7 @@ TEST_F(MonitorPanel, LostConnectionShowsTheBoxReturnsToConnectAndLeavesEmptyList
 {
     ScriptedServer server;
     server.acceptConnection()
-        .reply(R"({"result":[{"batch_id":4,"path":"/p/a.psx"}]})")
+        .reply(R"({"result":[{"batch_id":4,"path":"/p/a.kproj"}]})")
         .reply(R"({"result":[{"node_id":2}]})")
         .waitForLine()
         .closeConnection();

@@ -75,7 +75,7 @@ TEST(MonitorWorker, RecordTypesAreRegisteredUnderTheirNames)
 TEST_F(WorkerOnServer, ACyclePollsBatchesThenNodesOncePerSecond)
 {
     server.acceptConnection()
-        .reply(R"({"result":[{"batch_id":4,"path":"/p/a.psx","status":"inprogress"}]})")
+        .reply(R"({"result":[{"batch_id":4,"path":"/p/a.kproj","status":"inprogress"}]})")
         .reply(R"({"result":[{"node_id":9,"hostname":"render-09:5841"}]})")
         .reply(EmptyList)
         .reply(EmptyList)
@@ -114,18 +114,18 @@ TEST_F(WorkerOnServer, FollowedBatchIsPolledAfterTheLists)
     server.acceptConnection()
         .reply(EmptyList)
         .reply(EmptyList)
-        .reply(R"({"result":{"path":"/p/followed.psx","tasks":[{"name":"AlignCameras"}]}})")
+        .reply(R"({"result":{"path":"/p/followed.kproj","tasks":[{"name":"AlignCameras"}]}})")
         .waitForClose();
     worker().setStatusBatch(4294967294u);
     start();
-    ASSERT_TRUE(waitUntil([&] { return recorder().count("status:/p/followed.psx") == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return recorder().count("status:/p/followed.kproj") == 1; }));
     worker().setStatusBatch(ControlClient::NoId);
     ASSERT_TRUE(stop());
     EXPECT_EQ(server.received(),
         lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
             R"({"id":2,"method":"getBatchStatus","params":{"batch_id":4294967294}})"}));
     EXPECT_EQ(recorder().events,
-        (std::vector<std::string> {"batches:0", "nodes:0", "status:/p/followed.psx", "finished"}));
+        (std::vector<std::string> {"batches:0", "nodes:0", "status:/p/followed.kproj", "finished"}));
 }
 
 TEST_F(WorkerOnServer, FailedStatusIsLoggedAndNotEmitted)
