@@ -8,7 +8,7 @@ std::size_t AlternateSignalStack::size()
     // The crash handler's frames, more of them in a sanitizer build, must
     // fit; the system's own minimum may be larger on some processors.
     const long minimum = sysconf(_SC_SIGSTKSZ);
-    return std::max<std::size_t>(64 * 1024, minimum > 0 ? static_cast<std::size_t>(minimum) : 0);
+    return std::max<std::size_t>(std::size_t {64} * 1024, minimum > 0 ? static_cast<std::size_t>(minimum) : 0);
 }
 
 AlternateSignalStack::AlternateSignalStack()

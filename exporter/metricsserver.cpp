@@ -7,6 +7,7 @@
 #include <httplib.h>
 #include <strings.h>
 #include <sys/socket.h>
+#include <system_error>
 
 #include "exporter.h"
 
@@ -82,7 +83,7 @@ bool MetricsServer::bind(const std::string& host, int port, std::string& error)
     m_port = port == 0 ? m_server->bind_to_any_port(host) : (m_server->bind_to_port(host, port) ? port : -1);
     if (m_port <= 0) {
         error = "cannot listen on " + host + ":" + std::to_string(port)
-            + (errno != 0 ? std::string(": ") + std::strerror(errno) : std::string());
+            + (errno != 0 ? ": " + std::error_code(errno, std::generic_category()).message() : std::string());
         return false;
     }
     return true;

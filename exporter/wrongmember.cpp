@@ -68,7 +68,7 @@ std::string wrongParam(const Json::Value& params, const std::string& path)
         Json::Value single(Json::objectValue);
         single[name] = params[name];
         if (!converts(single, Want::Params))
-            return path + "." + name;
+            return std::string(path).append(".").append(name);
     }
     return path;
 }

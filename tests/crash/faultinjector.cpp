@@ -61,6 +61,7 @@ void recordThread()
 __attribute__((noinline)) void korvaneWorkerFaultHere()
 {
     volatile std::uintptr_t where = 0x10;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the bad address is the point
     *reinterpret_cast<volatile int*>(where) = 1;
     asm volatile("" ::: "memory");
 }
@@ -68,6 +69,7 @@ __attribute__((noinline)) void korvaneWorkerFaultHere()
 __attribute__((noinline)) void korvaneGuiFaultHere()
 {
     volatile std::uintptr_t where = 0x20;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the bad address is the point
     *reinterpret_cast<volatile int*>(where) = 1;
     asm volatile("" ::: "memory");
 }

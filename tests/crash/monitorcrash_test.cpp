@@ -107,7 +107,7 @@ protected:
         m_pid = static_cast<std::uint32_t>(result.pid);
         EXPECT_TRUE(WIFSIGNALED(result.status) && WTERMSIG(result.status) == SIGSEGV)
             << "status " << result.status;
-        const ProcessedDump dump = reportedDump();
+        ProcessedDump dump = reportedDump();
         if (dump.crashingThread >= 0)
             printTopFrames(dump);
         return dump;
