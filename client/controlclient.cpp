@@ -17,11 +17,16 @@
 #include <json/writer.h>
 
 #include "paramjson.h"
+#include "wideconsolebuffer.h"
 
 namespace {
 
 constexpr std::size_t ReadBlock = 4096;
 constexpr int KeepAliveIdleSeconds = 60;
+
+// Set up before main() runs, so that whatever later swaps std::wcout's buffer
+// and puts it back puts back this one.
+[[maybe_unused]] const bool wideConsoleInstalled = (WideConsoleBuffer::installOnStandardOutput(), true);
 
 } // namespace
 
@@ -62,6 +67,7 @@ bool ControlClient::connect(const std::string& address, int port)
     addrinfo* addresses = nullptr;
     const int resolved = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &addresses);
     if (resolved != 0) {
+        // The wide stream, as ever; its buffer (above) keeps stdout narrow.
         std::wcout << ::gai_strerror(resolved) << std::endl;
         return false;
     }

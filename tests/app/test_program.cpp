@@ -1,3 +1,5 @@
+#include <netdb.h>
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -35,6 +37,18 @@ ProcessResult runMonitor(const QStringList& arguments)
     return run;
 }
 
+// The monitor with a throw-away configuration on the offscreen platform.
+void startMonitor(QProcess& process, const QTemporaryDir& config, const QStringList& arguments,
+    const QProcessEnvironment& extra = {})
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(extra);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
+}
+
 } // namespace
 
 TEST(Program, VersionPrintsProductVersionAndBuild)
@@ -69,15 +83,16 @@ TEST(Program, ConnectOptionFillsTheFieldsAndConnectsOnceTheWindowShows)
 
     QTemporaryDir config;
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KORVANE_MONITOR_PATH),
-        {QStringLiteral("--connect"), QStringLiteral("127.0.0.1:%1").arg(server.port())});
+    startMonitor(
+        process, config, {QStringLiteral("--connect"), QStringLiteral("127.0.0.1:%1").arg(server.port())});
+    // The panel's settings object writes its file when it goes, just after
+    // the worker's thread has started: both are waited for.
+    const QString file = QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf"));
     QElapsedTimer clock;
     clock.start();
-    while (server.received().find("listNodes") == std::string::npos && clock.elapsed() < 10000)
+    while ((server.received().find("listNodes") == std::string::npos
+               || QSettings(file, QSettings::IniFormat).value(QStringLiteral("main/network_port")).isNull())
+        && clock.elapsed() < 10000)
         QThread::msleep(20);
     process.terminate();
     process.waitForFinished(5000);
@@ -85,8 +100,7 @@ TEST(Program, ConnectOptionFillsTheFieldsAndConnectsOnceTheWindowShows)
 
     EXPECT_EQ(server.received().substr(0, 62),
         "{\"id\":0,\"method\":\"listBatches\"}\n{\"id\":1,\"method\":\"listNodes\"}\n");
-    QSettings stored(
-        QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf")), QSettings::IniFormat);
+    QSettings stored(file, QSettings::IniFormat);
     EXPECT_EQ(stored.value(QStringLiteral("main/network_host")).toString(), QStringLiteral("127.0.0.1"));
     EXPECT_EQ(stored.value(QStringLiteral("main/network_port")).toInt(), server.port());
 }
@@ -98,4 +112,33 @@ TEST(Program, ConnectOptionWithABadPortIsRefused)
     EXPECT_TRUE(run.err.endsWith(
         QStringLiteral("korvane-monitor: --connect: \"http\" is not a port number (0 to 65535)\n")))
         << run.err.toStdString();
+}
+
+TEST(Program, ConsoleLinesAfterAFailedLookupStillReachThePipe)
+{
+    const char* host = "no-such-host.invalid";
+    addrinfo hints {};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* addresses = nullptr;
+    const int code = ::getaddrinfo(host, "5840", &hints, &addresses);
+    ASSERT_NE(code, 0);
+    const QByteArray expected = QByteArray(::gai_strerror(code)) + "\ncan't connect to server\n";
+
+    // standard output is a pipe here, as under a service manager or a pager
+    QTemporaryDir config;
+    QProcess process;
+    startMonitor(process, config, {QStringLiteral("--connect"), QString::fromLatin1(host) + ":5840"});
+    QByteArray out;
+    QElapsedTimer clock;
+    clock.start();
+    while (out.size() < expected.size() && clock.elapsed() < 20000) {
+        process.waitForReadyRead(100);
+        out += process.readAllStandardOutput();
+    }
+    // the warning box is up now; nothing else is to come
+    process.kill();
+    process.waitForFinished(5000);
+    out += process.readAllStandardOutput();
+    EXPECT_EQ(out, expected);
 }
