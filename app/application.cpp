@@ -62,9 +62,13 @@ void Application::loadTranslation(const QString& language)
     const QString programFile = base + QStringLiteral("monitor_%1.qm").arg(language);
     const QString qtFile = base + QStringLiteral("qt_%1.qm").arg(language);
 
+    // The full path and no search: given null strings QTranslator would go
+    // on to shorter names ("de_AT" finding the German catalogue), so the
+    // directory, the delimiters and the suffix are empty, not null.
+    const QString none = QStringLiteral("");
     // A file that fails to load leaves its translator empty; that is fine.
-    (void)app->qtTranslator.load(qtFile, QString(), QString(), QString());
-    (void)app->appTranslator.load(programFile, QString(), QString(), QString());
+    (void)app->qtTranslator.load(qtFile, none, none, none);
+    (void)app->appTranslator.load(programFile, none, none, none);
 }
 
 QString Application::loadUserLanguage()

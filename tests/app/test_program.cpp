@@ -1,3 +1,4 @@
+#include <clocale>
 #include <netdb.h>
 
 #include <QDir>
@@ -47,6 +48,32 @@ void startMonitor(QProcess& process, const QTemporaryDir& config, const QStringL
     environment.insert(extra);
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
+}
+
+// What the probe style reports from inside a monitor started with this
+// "main/language" (no key when null) and these extra environment variables.
+QString probeStartUp(const QString& language, const QProcessEnvironment& extra = {})
+{
+    QTemporaryDir config;
+    if (!language.isNull()) {
+        QSettings settings(
+            QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf")), QSettings::IniFormat);
+        settings.setValue(QStringLiteral("main/language"), language);
+    }
+    QProcessEnvironment environment = extra;
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KORVANE_PROBE_PLUGINS));
+    environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("korvaneprobe"));
+    QProcess process;
+    startMonitor(process, config, {}, environment);
+    if (!process.waitForFinished(30000)) {
+        process.kill();
+        process.waitForFinished();
+        return QStringLiteral("no report");
+    }
+    const QString out = QString::fromUtf8(process.readAllStandardOutput());
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return out + QStringLiteral("exit %1: ").arg(process.exitCode()) + process.readAllStandardError();
+    return out;
 }
 
 } // namespace
@@ -141,4 +168,44 @@ TEST(Program, ConsoleLinesAfterAFailedLookupStillReachThePipe)
     process.waitForFinished(5000);
     out += process.readAllStandardOutput();
     EXPECT_EQ(out, expected);
+}
+
+TEST(Program, NumbersUseADotUnderAGermanLocale)
+{
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr)
+        << "the de_DE.UTF-8 locale is missing; scripts/setup.sh generates it";
+    std::setlocale(LC_ALL, "C");
+    QProcessEnvironment german;
+    german.insert(QStringLiteral("LANG"), QStringLiteral("de_DE.UTF-8"));
+    german.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
+    EXPECT_EQ(probeStartUp(QString(), german),
+        QStringLiteral(
+            "decimal: 1234.5\nprintf: 2.5\ncatalogues: monitor_en.qm qt_en.qm\nbutton: Connect\n"));
+}
+
+TEST(Program, WithNoLanguageKeyTheEnglishCataloguesAreLoaded)
+{
+    EXPECT_EQ(probeStartUp(QString()),
+        QStringLiteral(
+            "decimal: 1234.5\nprintf: 2.5\ncatalogues: monitor_en.qm qt_en.qm\nbutton: Connect\n"));
+}
+
+TEST(Program, AnEmptyLanguageLoadsNoCatalogue)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\ncatalogues: \nbutton: Connect\n"));
+}
+
+TEST(Program, TheStoredLanguageIsLoaded)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("de")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\n"
+                       "catalogues: monitor_de.qm qt_de.qm qtbase_de.qm qtmultimedia_de.qm\n"
+                       "button: Verbinden\n"));
+}
+
+TEST(Program, ALanguageWithARegionButNoCataloguesOfItsOwnLoadsNothing)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("de_AT")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\ncatalogues: \nbutton: Connect\n"));
 }
