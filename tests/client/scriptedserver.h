@@ -33,6 +33,8 @@ public:
     ScriptedServer& write(const std::string& bytes, std::size_t pieceSize = 0);
     // waitForLine, then the line and its line feed.
     ScriptedServer& reply(const std::string& line);
+    // Does nothing for this long: a slow server.
+    ScriptedServer& pause(int milliseconds);
     ScriptedServer& closeConnection();
     // Closes with a reset (SO_LINGER 0) instead of an orderly close.
     ScriptedServer& resetConnection();
@@ -66,6 +68,7 @@ private:
             WaitClose,
             AnswerEveryLine,
             AnswerByMethod,
+            Pause,
         };
         Kind kind;
         std::string bytes;

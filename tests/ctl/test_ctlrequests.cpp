@@ -303,3 +303,48 @@ TEST(CtlAgainstSimulator, ListsCommandsAndRefusals)
     EXPECT_EQ(runCtl(atPort(port, {"find", "/p/new.kproj"})).out, "31\n");
     std::remove(tasks.c_str());
 }
+
+TEST(CtlRequests, ASilentServerEndsTheToolWithThreeAfterTheTimeOut)
+{
+    FaultSwitches silent;
+    silent.muteAfterRequests = 0;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(silent));
+    const CtlResult result = runCtl(atPort(sim.port(), {"--timeout", "0.3", "batches"}));
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(sim.port())
+            + " to listBatches within 0.3 s\n");
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(CtlRequests, AServerSendingOnlyLinesThatAreNotJsonEndsTheToolWithThree)
+{
+    std::string garbage;
+    for (int i = 0; i < 100; ++i)
+        garbage += "<html>busy</html>\n";
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().write(garbage).waitForClose();
+    server.start();
+    const CtlResult result = runCtl(atPort(server.port(), {"--timeout=1", "pause-node", "4", "5"}));
+    EXPECT_TRUE(server.finish());
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(server.port())
+            + " to pauseNode within 1 s\n");
+    // the second node was never asked for
+    EXPECT_EQ(server.received(),
+        R"({"id":0,"method":"pauseNode","params":{"node_id":4}})"
+        "\n");
+}
+
+TEST(CtlRequests, WithoutATimeOutASlowServerIsWaitedFor)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().pause(1200).write(R"({"result":[]})"
+                                                              "\n");
+    server.start();
+    const CtlResult result = runCtl(atPort(server.port(), {"--timeout", "0", "--json", "batches"}));
+    EXPECT_TRUE(server.finish());
+    EXPECT_EQ(result.code, CtlRunner::ExitDone);
+    EXPECT_EQ(result.out, "[]\n");
+}
