@@ -146,6 +146,7 @@ void ScriptedServer::run()
             m_ok = false;
             return;
         }
+        ++m_stepsDone;
     }
 }
 

@@ -53,6 +53,8 @@ public:
     bool finish();
 
     std::string received() const;
+    // How many steps of the script have been carried out so far.
+    std::size_t stepsDone() const { return m_stepsDone; }
 
 private:
     struct Step
@@ -92,6 +94,7 @@ private:
     std::vector<Step> m_steps;
     std::thread m_thread;
     std::atomic<bool> m_stop {false};
+    std::atomic<std::size_t> m_stepsDone {0};
     bool m_ok = true;
 
     mutable std::mutex m_mutex;
