@@ -38,9 +38,9 @@ int closedPort()
     sockaddr_in address {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    EXPECT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     socklen_t length = sizeof address;
-    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
+    EXPECT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
     ::close(listener);
     return ntohs(address.sin_port);
 }
@@ -347,4 +347,27 @@ TEST(CtlRequests, WithoutATimeOutASlowServerIsWaitedFor)
     EXPECT_TRUE(server.finish());
     EXPECT_EQ(result.code, CtlRunner::ExitDone);
     EXPECT_EQ(result.out, "[]\n");
+}
+
+// Found by fuzzing the task file reader: each of these once ended the tool
+// with an uncaught exception or a reason spread over several lines.
+TEST(CtlRequests, TaskFilesTheRequestCannotCarryAreOneLineUsageErrors)
+{
+    const std::string bigNumber = writeTaskFile(R"([{"name":"BuildModel","params":{"quality":2222222222}}])");
+    const std::string lineFeed = writeTaskFile("[{\"name\":\"X\",\"params\":{\"a\\nb\\u001b[2J\":{}}}]");
+    const std::string deep = writeTaskFile(std::string(1500, '['));
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {bigNumber, bigNumber + ": task 1: a parameter holds an integer that does not fit in 32 bits"},
+        {lineFeed,
+            lineFeed
+                + ": task 1: parameter \"a\\nb\\u001b[2J\" must be a number, a string, a boolean or an array "
+                  "of numbers"},
+        {deep, deep + " is not JSON: Exceeded stackLimit in readValue()."},
+    };
+    for (const auto& [file, reason] : cases) {
+        const CtlResult result = runCtl({"--port", "1", "create", "/p/x.kproj", file});
+        EXPECT_EQ(result.code, CtlRunner::ExitUsage);
+        EXPECT_EQ(result.err, "korvane-ctl: " + reason + "\n");
+        std::remove(file.c_str());
+    }
 }
