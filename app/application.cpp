@@ -74,7 +74,7 @@ void Application::loadTranslation(const QString& language)
 QString Application::loadUserLanguage()
 {
     QSettings settings;
-    const QString language = settings.value(QStringLiteral("main/language"), QStringLiteral("en")).toString();
+    QString language = settings.value(QStringLiteral("main/language"), QStringLiteral("en")).toString();
     if (!language.isEmpty())
         loadTranslation(language);
     return language;
@@ -105,7 +105,7 @@ QString Application::programTranslationFile() const
 void Application::useCNumericLocale()
 {
     QLocale::setDefault(QLocale(QLocale::C, QLocale::AnyTerritory));
-    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): at start-up, before any thread
 }
 
 bool Application::notify(QObject* receiver, QEvent* event)

@@ -54,7 +54,7 @@ int main(int argc, char** argv)
     int connectPort = -1;
     if (parser.isSet(connectOption)) {
         connectHost = parser.value(connectOption);
-        const int colon = connectHost.indexOf(QLatin1Char(':'));
+        const qsizetype colon = connectHost.indexOf(QLatin1Char(':'));
         if (colon >= 0) {
             bool ok = false;
             connectPort = connectHost.mid(colon + 1).toInt(&ok);

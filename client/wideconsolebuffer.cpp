@@ -23,7 +23,7 @@ void WideConsoleBuffer::installOnStandardOutput()
 bool WideConsoleBuffer::put(wchar_t c)
 {
     char bytes[MB_LEN_MAX];
-    std::size_t length = std::wcrtomb(bytes, c, &m_state);
+    std::size_t length = std::wcrtomb(bytes, c, &m_state); // NOLINT(concurrency-mt-unsafe): own state passed
     if (length == static_cast<std::size_t>(-1)) {
         // not representable in this locale: a stand-in, and a fresh state
         m_state = std::mbstate_t {};

@@ -12,7 +12,7 @@ namespace {
 std::atomic<MinidumpHandler*> currentHandler {nullptr};
 std::atomic<int> handling {0};
 
-constexpr std::size_t AlternateStackSize = 64 * 1024;
+constexpr std::size_t AlternateStackSize = std::size_t {64} * 1024;
 
 void appendText(char* buffer, std::size_t capacity, const char* text)
 {

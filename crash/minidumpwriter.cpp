@@ -380,6 +380,7 @@ bool MinidumpWriter::readMemory(std::uint64_t address, void* buffer, std::size_t
     if (!isReadable(address, size))
         return false;
     struct iovec local = {buffer, size};
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel wants the remote address as a pointer
     struct iovec remote = {reinterpret_cast<void*>(address), size};
     return syscall(SYS_process_vm_readv, getpid(), &local, 1, &remote, 1, 0) == static_cast<long>(size);
 }
@@ -489,6 +490,7 @@ bool MinidumpWriter::write(const char* path, const siginfo_t* info, const uconte
         file.align(16);
         stack.startOfMemoryRange = stackStart;
         stack.memory = {static_cast<std::uint32_t>(stackEnd - stackStart), file.position()};
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the stack range comes from the thread's registers
         file.put(reinterpret_cast<const void*>(stackStart), stackEnd - stackStart);
     }
 

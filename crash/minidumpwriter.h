@@ -46,11 +46,11 @@ public:
         std::uint32_t buildIdLength;
     };
 
-    static constexpr std::size_t MapsCapacity = 1024 * 1024;
-    static constexpr std::size_t StatusCapacity = 16 * 1024;
+    static constexpr std::size_t MapsCapacity = std::size_t {1024} * 1024;
+    static constexpr std::size_t StatusCapacity = std::size_t {16} * 1024;
     static constexpr std::size_t MaxMapEntries = 16384;
     static constexpr std::size_t MaxModules = 2048;
-    static constexpr std::size_t MaxStackBytes = 256 * 1024;
+    static constexpr std::size_t MaxStackBytes = std::size_t {256} * 1024;
     static constexpr std::size_t RedZone = 128;
 
 private:

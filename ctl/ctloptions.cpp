@@ -165,7 +165,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
     std::size_t i = 0;
     for (; i < args.size(); ++i) {
         std::string name = args[i];
-        if (name.rfind("-", 0) != 0 || name == "-")
+        if (name.rfind('-', 0) != 0 || name == "-")
             break;
         if (name == "--") {
             ++i;
@@ -230,7 +230,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
         error = "no command given";
         return false;
     }
-    const std::string name = args[i];
+    const std::string& name = args[i];
     for (const CommandName& command : Commands) {
         if (name == command.name)
             options.command = command.command;

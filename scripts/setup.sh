@@ -8,6 +8,7 @@ packages=(
     qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
     libjsoncpp-dev libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
+    clang libclang-rt-14-dev clang-tidy cppcheck
 )
 
 missing=()

@@ -24,7 +24,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     // Replies held back for one connection before it is read no further.
-    static constexpr std::size_t MaxWaitingOutput = 4 * 1024 * 1024;
+    static constexpr std::size_t MaxWaitingOutput = std::size_t {4} * 1024 * 1024;
     // How long a connection that has said its last line reads on, so that
     // its peer's unsent request bytes do not turn the close into a reset
     // that would destroy that line before it is read.

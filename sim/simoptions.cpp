@@ -66,7 +66,8 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
 
         unsigned long long number = 0;
         double real = 0.0;
-        const std::string bad = "bad value for " + name + ": " + value;
+        std::string bad = "bad value for ";
+        bad.append(name).append(": ").append(value);
         if (name == "--listen") {
             const std::size_t colon = value.rfind(':');
             if (colon == std::string::npos || colon == 0

@@ -9,6 +9,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -62,14 +63,15 @@ bool SimServer::listen(const std::string& address, std::uint16_t port, std::stri
     }
     m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (m_listener == -1) {
-        error = std::string("socket: ") + std::strerror(errno);
+        error = "socket: " + std::generic_category().message(errno);
         return false;
     }
     const int on = 1;
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_listener, reinterpret_cast<sockaddr*>(&local), sizeof local) != 0
         || ::listen(m_listener, SOMAXCONN) != 0) {
-        error = "cannot listen on " + address + ":" + std::to_string(port) + ": " + std::strerror(errno);
+        error = "cannot listen on " + address + ":" + std::to_string(port) + ": "
+            + std::generic_category().message(errno);
         ::close(m_listener);
         m_listener = -1;
         return false;

@@ -17,7 +17,7 @@ struct ServerConfig
     double speed = 1.0; // simulated seconds per real second
     // Longest request line kept; a longer one gets an error reply and ends
     // the connection.
-    std::size_t maxLineBytes = 1024 * 1024;
+    std::size_t maxLineBytes = std::size_t {1024} * 1024;
     // Clients served at once; the next one is told so in one line and closed.
     std::size_t maxClients = 64;
     FaultSwitches faults;

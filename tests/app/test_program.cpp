@@ -1,4 +1,5 @@
 #include <clocale>
+#include <locale.h>
 #include <netdb.h>
 
 #include <QDir>
@@ -70,7 +71,7 @@ QString probeStartUp(const QString& language, const QProcessEnvironment& extra =
         process.waitForFinished();
         return QStringLiteral("no report");
     }
-    const QString out = QString::fromUtf8(process.readAllStandardOutput());
+    QString out = QString::fromUtf8(process.readAllStandardOutput());
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return out + QStringLiteral("exit %1: ").arg(process.exitCode()) + process.readAllStandardError();
     return out;
@@ -172,9 +173,10 @@ TEST(Program, ConsoleLinesAfterAFailedLookupStillReachThePipe)
 
 TEST(Program, NumbersUseADotUnderAGermanLocale)
 {
-    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr)
-        << "the de_DE.UTF-8 locale is missing; scripts/setup.sh generates it";
-    std::setlocale(LC_ALL, "C");
+    // present, asked without touching this process's own locale
+    const locale_t present = newlocale(LC_ALL_MASK, "de_DE.UTF-8", locale_t {});
+    ASSERT_NE(present, locale_t {}) << "the de_DE.UTF-8 locale is missing; scripts/setup.sh generates it";
+    freelocale(present);
     QProcessEnvironment german;
     german.insert(QStringLiteral("LANG"), QStringLiteral("de_DE.UTF-8"));
     german.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));

@@ -32,7 +32,7 @@ public:
         sockaddr_in address {};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        ::bind(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address));
+        EXPECT_EQ(::bind(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
         socklen_t length = sizeof(address);
         ::getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &length);
         m_port = ntohs(address.sin_port);
@@ -294,7 +294,7 @@ TEST(ControlClientSend, PeerClosingDuringSendFailsWithoutKillingTheProcess)
     ControlClient client;
     ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
     // Far more than the socket buffers hold, so send() is still busy when the reset comes.
-    const Json::Value message(std::string(32 * 1024 * 1024, 'x'));
+    const Json::Value message(std::string(std::size_t {32} * 1024 * 1024, 'x'));
     EXPECT_FALSE(client.send(message));
     EXPECT_FALSE(client.isConnected());
     EXPECT_TRUE(server.finish());
@@ -378,7 +378,7 @@ TEST(ControlClientReceive, LineWrittenByteByByteIsReassembled)
 
 TEST(ControlClientReceive, TenMegabyteLineIsReassembled)
 {
-    const std::string payload(10 * 1024 * 1024, 'q');
+    const std::string payload(std::size_t {10} * 1024 * 1024, 'q');
     ScriptedServer server;
     server.acceptConnection().write("{\"result\":\"" + payload + "\"}\n{\"next\":1}\n", 65536).waitForClose();
     server.start();

@@ -43,14 +43,17 @@ ProcessResult runProcess(
     for (const auto& [key, value] : environment)
         merged[key] = value;
     std::vector<std::string> environmentTexts;
+    environmentTexts.reserve(merged.size());
     for (const auto& [key, value] : merged)
-        environmentTexts.push_back(key + "=" + value);
+        environmentTexts.push_back(std::string(key).append("=").append(value));
 
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     std::vector<char*> envp;
+    envp.reserve(environmentTexts.size() + 1);
     for (const std::string& text : environmentTexts)
         envp.push_back(const_cast<char*>(text.c_str()));
     envp.push_back(nullptr);
@@ -163,7 +166,7 @@ std::string MinidumpFile::string(std::size_t offset) const
     const std::uint32_t length = u32(offset);
     std::string text;
     for (std::uint32_t i = 0; i < length / 2; ++i)
-        text += static_cast<char>(u16(offset + 4 + i * 2) & 0xff);
+        text += static_cast<char>(u16(offset + 4 + std::size_t {i} * 2) & 0xff);
     return text;
 }
 
