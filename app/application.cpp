@@ -65,15 +65,19 @@ void Application::loadTranslation(const QString& language)
     const QString programFile = base + QStringLiteral("monitor_%1.qm").arg(language);
     const QString qtFile = base + QStringLiteral("qt_%1.qm").arg(language);
 
+    // The full path and no search: given null strings QTranslator would go
+    // on to shorter names ("de_AT" finding the German catalogue), so the
+    // directory, the delimiters and the suffix are empty, not null.
+    const QString none = QStringLiteral("");
     // A file that fails to load leaves its translator empty; that is fine.
-    (void)app->qtTranslator.load(qtFile, QString(), QString(), QString());
-    (void)app->appTranslator.load(programFile, QString(), QString(), QString());
+    (void)app->qtTranslator.load(qtFile, none, none, none);
+    (void)app->appTranslator.load(programFile, none, none, none);
 }
 
 QString Application::loadUserLanguage()
 {
     QSettings settings;
-    const QString language = settings.value(QStringLiteral("main/language"), QStringLiteral("en")).toString();
+    QString language = settings.value(QStringLiteral("main/language"), QStringLiteral("en")).toString();
     if (!language.isEmpty())
         loadTranslation(language);
     return language;
@@ -104,7 +108,7 @@ QString Application::programTranslationFile() const
 void Application::useCNumericLocale()
 {
     QLocale::setDefault(QLocale(QLocale::C, QLocale::AnyTerritory));
-    std::setlocale(LC_NUMERIC, "C");
+    std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): at start-up, before any thread
 }
 
 bool Application::notify(QObject* receiver, QEvent* event)

@@ -91,7 +91,7 @@ int main(int argc, char** argv)
     int connectPort = -1;
     if (parser.isSet(options.connect)) {
         connectHost = parser.value(options.connect);
-        const int colon = connectHost.indexOf(QLatin1Char(':'));
+        const qsizetype colon = connectHost.indexOf(QLatin1Char(':'));
         if (colon >= 0) {
             bool ok = false;
             connectPort = connectHost.mid(colon + 1).toInt(&ok);

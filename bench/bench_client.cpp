@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr std::size_t LargeLineBytes = 8 * 1024 * 1024;
+constexpr std::size_t LargeLineBytes = std::size_t {8} * 1024 * 1024;
 constexpr std::size_t ServerPiece = 4096;
 
 Json::Value taskParams(int n)

@@ -34,8 +34,8 @@ double cpuSeconds()
 {
     rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec
-        + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
 } // namespace
@@ -101,9 +101,10 @@ int main(int argc, char** argv)
     app.exec();
 
     const double cpu = cpuSeconds() - cpuStart;
-    std::fprintf(stderr, "cpu: %.2f s over %d s = %.2f %% of one core\n", cpu, seconds, 100.0 * cpu / seconds);
-    std::fprintf(stderr, 
-        "longest event-loop stall after the first 5 s: %lld ms\n", static_cast<long long>(longestStall));
+    std::fprintf(
+        stderr, "cpu: %.2f s over %d s = %.2f %% of one core\n", cpu, seconds, 100.0 * cpu / seconds);
+    std::fprintf(stderr, "longest event-loop stall after the first 5 s: %lld ms\n",
+        static_cast<long long>(longestStall));
     std::fprintf(stderr, "resident memory at the end: %ld KiB\n", residentKiB());
     panel.shutdown(5000);
     sim.terminate();

@@ -1,5 +1,8 @@
 #include "controlclient.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -17,11 +20,16 @@
 #include <json/writer.h>
 
 #include "paramjson.h"
+#include "wideconsolebuffer.h"
 
 namespace {
 
 constexpr std::size_t ReadBlock = 4096;
 constexpr int KeepAliveIdleSeconds = 60;
+
+// Set up before main() runs, so that whatever later swaps std::wcout's buffer
+// and puts it back puts back this one.
+[[maybe_unused]] const bool wideConsoleInstalled = (WideConsoleBuffer::installOnStandardOutput(), true);
 
 } // namespace
 
@@ -62,6 +70,7 @@ bool ControlClient::connect(const std::string& address, int port)
     addrinfo* addresses = nullptr;
     const int resolved = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &addresses);
     if (resolved != 0) {
+        // The wide stream, as ever; its buffer (above) keeps stdout narrow.
         std::wcout << ::gai_strerror(resolved) << std::endl;
         return false;
     }
@@ -77,14 +86,8 @@ bool ControlClient::connect(const std::string& address, int port)
         }
         m_socket = fd;
 
-        char numericHost[1025];
-        char numericService[32];
-        if (::getnameinfo(entry->ai_addr, entry->ai_addrlen, numericHost, sizeof(numericHost), numericService,
-                sizeof(numericService), NI_NUMERICHOST | NI_NUMERICSERV)
-            == 0)
-            std::cout << "connected to " << numericHost << ":" << numericService << std::endl;
-        else
-            std::cout << "connected to " << address << ":" << service << std::endl;
+        std::cout << "connected to " << peerText(entry->ai_addr, entry->ai_addrlen, address, service)
+                  << std::endl;
         break;
     }
     ::freeaddrinfo(addresses);
@@ -101,6 +104,19 @@ bool ControlClient::connect(const std::string& address, int port)
     m_peerName = host + ":" + service;
     m_receiveBuffer.clear();
     return true;
+}
+
+std::string ControlClient::peerText(
+    const sockaddr* peer, socklen_t length, const std::string& address, const std::string& service)
+{
+    char numericHost[1025];
+    char numericService[32];
+    if (::getnameinfo(peer, length, numericHost, sizeof(numericHost), numericService, sizeof(numericService),
+            NI_NUMERICHOST | NI_NUMERICSERV)
+        == 0)
+        return std::string(numericHost) + ":" + numericService;
+    // the address as it was given, port suffix and all
+    return address + ":" + service;
 }
 
 void ControlClient::disconnect()
@@ -149,7 +165,11 @@ Json::Value ControlClient::receive(int timeoutMs)
         if (::poll(&descriptor, 1, timeoutMs) < 1)
             return {};
     }
+    return nextMessage(nullptr);
+}
 
+Json::Value ControlClient::nextMessage(const Deadline* deadline)
+{
     std::size_t searched = 0;
     for (;;) {
         const char* start = m_receiveBuffer.data();
@@ -159,6 +179,10 @@ Json::Value ControlClient::receive(int timeoutMs)
         if (!found) {
             // Only the bytes of the new read are searched next time round.
             searched = available;
+            if (deadline && !readableBefore(*deadline)) {
+                m_timedOut = true;
+                return {};
+            }
             char* space = m_receiveBuffer.reserve(ReadBlock);
             const ssize_t received = ::recv(m_socket, space, ReadBlock, 0);
             if (received < 1) {
@@ -180,9 +204,32 @@ Json::Value ControlClient::receive(int timeoutMs)
 
         Json::Reader reader;
         Json::Value message;
-        if (reader.parse(text.data(), text.data() + text.size(), message, true))
-            return message;
-        std::cout << reader.getFormattedErrorMessages() << ": " << text << std::endl;
+        try {
+            if (reader.parse(text.data(), text.data() + text.size(), message, true))
+                return message;
+            std::cout << reader.getFormattedErrorMessages() << ": " << text << std::endl;
+        } catch (const Json::Exception& error) {
+            // The reader gives up on nesting deeper than its stack limit by
+            // throwing; for us that is one more line that is not a message.
+            std::cout << error.what() << ": " << text << std::endl;
+        }
+    }
+}
+
+bool ControlClient::readableBefore(const Deadline& deadline) const
+{
+    for (;;) {
+        const auto left
+            = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Deadline::clock::now())
+                  .count();
+        if (left <= 0)
+            return false;
+        pollfd descriptor {m_socket, POLLIN, 0};
+        const int ready = ::poll(&descriptor, 1, static_cast<int>(std::min<long long>(left, 1 << 30)));
+        if (ready > 0)
+            return true;
+        if (ready < 0 && errno != EINTR)
+            return true; // let recv() report the failure
     }
 }
 
@@ -197,7 +244,21 @@ Json::Value ControlClient::request(const char* method, Json::Value params, bool 
     m_nextId = static_cast<int>(static_cast<unsigned>(m_nextId) + 1u);
 
     send(envelope);
-    Json::Value reply = receive(-1);
+    m_timedOutRequest.clear();
+    Json::Value reply;
+    if (m_requestTimeoutMs < 0) {
+        reply = receive(-1);
+    } else {
+        const Deadline deadline = Deadline::clock::now() + std::chrono::milliseconds(m_requestTimeoutMs);
+        m_timedOut = false;
+        reply = m_socket == -1 ? Json::Value() : nextMessage(&deadline);
+        if (m_timedOut) {
+            // A reply that comes later would be taken for the next request's.
+            m_timedOutRequest = method;
+            disconnect();
+            return {};
+        }
+    }
     if (reply.empty())
         return {};
     return std::move(reply["result"]);

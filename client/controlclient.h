@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <set>
 #include <string>
+#include <sys/socket.h>
 #include <vector>
 
 #include <json/value.h>
@@ -132,6 +134,25 @@ public:
     // bytes; once reading has begun it blocks until the line is complete.
     Json::Value receive(int timeoutMs);
 
+    // How long a request waits for a usable reply, in milliseconds; -1 (the
+    // default, as the monitor has it) waits without limit. When the time is
+    // up the request fails and the connection is closed, so that a late
+    // reply cannot pass for the next one.
+    void setRequestTimeout(int timeoutMs) { m_requestTimeoutMs = timeoutMs; }
+    // The method of the last request if it ran out of time, else empty.
+    const std::string& timedOutRequest() const { return m_timedOutRequest; }
+
+    // Echoes every message sent and received on standard output, each line
+    // opened by "[-> " or "[<- ", the peer and "] ". Off unless switched on.
+    void setTrafficTrace(bool on) { m_logTraffic = on; }
+    // The id the next request carries; the counter goes on from there.
+    void setNextRequestId(int id) { m_nextId = id; }
+
+    // "host:port" of a connected peer as numbers; when the system cannot
+    // say, the address as given and the service.
+    static std::string peerText(
+        const sockaddr* peer, socklen_t length, const std::string& address, const std::string& service);
+
     bool listBatches(BatchList& out);
     bool listNodes(NodeList& out);
     bool getBatchStatus(std::uint32_t batchId, BatchStatus& out);
@@ -158,7 +179,13 @@ public:
     static void parseNodeList(const Json::Value& array, NodeList& out);
 
 private:
+    using Deadline = std::chrono::steady_clock::time_point;
+
     Json::Value request(const char* method, Json::Value params, bool withParams);
+    // Reads lines until one parses. With a deadline every wait for bytes ends
+    // there: null then, and m_timedOut set.
+    Json::Value nextMessage(const Deadline* deadline);
+    bool readableBefore(const Deadline& deadline) const;
     bool simpleRequest(const char* method, const char* idKey, std::uint32_t id);
 
     int m_socket = -1;
@@ -167,4 +194,7 @@ private:
     bool m_logTraffic = false;
     ReceiveBuffer m_receiveBuffer;
     int m_nextId = 0;
+    int m_requestTimeoutMs = -1;
+    bool m_timedOut = false;
+    std::string m_timedOutRequest;
 };

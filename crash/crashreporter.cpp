@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -147,6 +148,7 @@ bool CrashReporter::install()
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     const std::string dataDirectory = std::string(home ? home : "~") + suffix + "Crash Reports";
     makeDirectories(dataDirectory.c_str());
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): installed before any thread
     setenv(DataDirectoryVariable, dataDirectory.c_str(), 1);
 
     state::reporterPath[0] = '\0';
@@ -236,7 +238,7 @@ void CrashReporter::writeStaticAnnotations()
     else if (memory > 1073741824.0)
         std::snprintf(text, sizeof text, "%.2lf GB", memory / 1073741824.0);
     else if (memory > 1048576.0)
-        std::snprintf(text, sizeof text, "%d MB", static_cast<int>(memory / 1048576.0 + 0.5));
+        std::snprintf(text, sizeof text, "%d MB", static_cast<int>(std::lround(memory / 1048576.0)));
     if (text[0])
         setAnnotation("SystemMemory", text);
 }
@@ -262,7 +264,7 @@ void CrashReporter::setAnnotation(const std::string& key, const std::string& val
 
     std::string rebuilt;
     for (const auto& [name, text] : annotations)
-        rebuilt += name + "=" + text + "\n";
+        rebuilt.append(name).append("=").append(text).append("\n");
     if (rebuilt.size() <= AnnotationLimit)
         std::memcpy(state::annotationText, rebuilt.c_str(), rebuilt.size() + 1);
 }

@@ -57,7 +57,7 @@ void CrashReport::readAnnotations()
 
 QString CrashReport::dataDirectory() const
 {
-    const QString fromEnvironment = qEnvironmentVariable("MOZ_CRASHREPORTER_DATA_DIRECTORY");
+    QString fromEnvironment = qEnvironmentVariable("MOZ_CRASHREPORTER_DATA_DIRECTORY");
     if (!fromEnvironment.isEmpty())
         return fromEnvironment;
     const QString vendor = annotation(QStringLiteral("Vendor"));

@@ -88,14 +88,14 @@ void ReportSubmitter::submit(
             .arg(QFileInfo(report.dumpPath()).fileName()));
     file.setBodyDevice(dump.get());
     dump->setParent(multipart.get());
-    dump.release();
+    (void)dump.release(); // the multipart owns it now
     multipart->append(file);
 
     QNetworkRequest request(url);
     request.setTransferTimeout(60000);
     QNetworkReply* reply = m_network->post(request, multipart.get());
     multipart->setParent(reply);
-    multipart.release();
+    (void)multipart.release(); // the reply owns it now
     connect(reply, &QNetworkReply::finished, this,
         [this, reply, report, dataDirectory] { onReplyFinished(reply, report, dataDirectory); });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -146,12 +147,25 @@ bool parseLevel(const std::string& text, int& priority)
     return false;
 }
 
+bool parseTimeout(const std::string& text, int& timeoutMs)
+{
+    if (text.empty() || text.find_first_not_of("0123456789.") != std::string::npos)
+        return false;
+    char* end = nullptr;
+    const double seconds = std::strtod(text.c_str(), &end);
+    if (*end != '\0' || !(seconds >= 0.0 && seconds <= 86400.0))
+        return false;
+    const long milliseconds = std::lround(seconds * 1000.0);
+    timeoutMs = milliseconds == 0 ? -1 : static_cast<int>(milliseconds);
+    return seconds == 0.0 || milliseconds > 0;
+}
+
 bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, std::string& error)
 {
     std::size_t i = 0;
     for (; i < args.size(); ++i) {
         std::string name = args[i];
-        if (name.rfind("-", 0) != 0 || name == "-")
+        if (name.rfind('-', 0) != 0 || name == "-")
             break;
         if (name == "--") {
             ++i;
@@ -177,7 +191,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
             options.json = true;
             continue;
         }
-        if (name != "--host" && name != "--port") {
+        if (name != "--host" && name != "--port" && name != "--timeout") {
             error = "unknown option " + args[i];
             return false;
         }
@@ -191,6 +205,13 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
         if (name == "--port") {
             if (!parsePort(value, options.port)) {
                 error = "not a port number: " + value;
+                return false;
+            }
+            continue;
+        }
+        if (name == "--timeout") {
+            if (!parseTimeout(value, options.timeoutMs)) {
+                error = "not a time-out in seconds (0 to 86400): " + value;
                 return false;
             }
             continue;
@@ -209,7 +230,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
         error = "no command given";
         return false;
     }
-    const std::string name = args[i];
+    const std::string& name = args[i];
     for (const CommandName& command : Commands) {
         if (name == command.name)
             options.command = command.command;
@@ -224,7 +245,8 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
 
 std::string ctlHelpText()
 {
-    return R"(Usage: korvane-ctl [--host HOST[:PORT]] [--port N] [--json] COMMAND [ARGS]
+    return R"(Usage: korvane-ctl [--host HOST[:PORT]] [--port N] [--timeout SECONDS] [--json]
+                   COMMAND [ARGS]
 Control tool for the processing server's control port.
 
 Commands:
@@ -252,11 +274,13 @@ Options:
   --host HOST[:PORT]  server address (default 127.0.0.1); a port given here
                       overrides --port
   --port N            server port (default 5840)
+  --timeout SECONDS   longest wait for a usable reply to each request
+                      (default 10; 0 waits without limit)
   --json              print records as JSON with the protocol's keys
   -h, --help          show this text and exit
   --version           show the version and exit
 
 Exit codes: 0 done; 1 the server refused a request; 2 usage error; 3 cannot
-connect, or the connection was lost.
+connect, the connection was lost, or no usable reply came in time.
 )";
 }

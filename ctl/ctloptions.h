@@ -29,6 +29,9 @@ struct CtlOptions
     // overrides the port, as in the monitor's address field.
     std::string host = "127.0.0.1";
     int port = 5840;
+    // Longest wait for a usable reply to each request, in milliseconds; -1
+    // waits without limit (--timeout 0).
+    int timeoutMs = 10000;
     bool json = false;
     bool help = false;
     bool version = false;
@@ -50,5 +53,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
 bool parseId(const std::string& text, std::uint32_t& id);
 // highest high normal low lowest (any case), or -2 to 2.
 bool parseLevel(const std::string& text, int& priority);
+// Seconds, whole or decimal, from 0 to 86400, as milliseconds; 0 gives -1 (no limit).
+bool parseTimeout(const std::string& text, int& timeoutMs);
 
 std::string ctlHelpText();

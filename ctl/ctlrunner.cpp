@@ -1,6 +1,7 @@
 #include "ctlrunner.h"
 
 #include <chrono>
+#include <cstdio>
 #include <iostream>
 #include <streambuf>
 #include <thread>
@@ -17,6 +18,20 @@
 namespace {
 
 const char* const Prefix = "korvane-ctl: ";
+
+// "10 s", "0.5 s"
+std::string seconds(int milliseconds)
+{
+    std::string text = std::to_string(milliseconds / 1000);
+    if (milliseconds % 1000 != 0) {
+        char fraction[8];
+        std::snprintf(fraction, sizeof fraction, ".%03d", milliseconds % 1000);
+        std::string digits = fraction;
+        digits.erase(digits.find_last_not_of('0') + 1);
+        text += digits;
+    }
+    return text + " s";
+}
 
 class NullBuffer final : public std::streambuf
 {
@@ -94,6 +109,7 @@ int CtlRunner::run(const std::vector<std::string>& args)
 
     ConsoleSilence silence;
     ControlClient client;
+    client.setRequestTimeout(options.timeoutMs);
     if (!client.init() || !client.connect(options.host, options.port)) {
         m_err << Prefix << "cannot connect to " << options.address() << std::endl;
         return ExitConnection;
@@ -111,6 +127,11 @@ int CtlRunner::failed(const ControlClient& client, const CtlOptions& options, co
 {
     if (stopped())
         return ExitDone;
+    if (!client.timedOutRequest().empty()) {
+        m_err << Prefix << "no usable reply from " << options.address() << " to " << client.timedOutRequest()
+              << " within " << seconds(options.timeoutMs) << std::endl;
+        return ExitConnection;
+    }
     if (!client.isConnected()) {
         m_err << Prefix << "connection to " << options.address() << " lost" << std::endl;
         return ExitConnection;

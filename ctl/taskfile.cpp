@@ -1,9 +1,11 @@
 #include "taskfile.h"
 
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 #include <json/reader.h>
+#include <json/writer.h>
 
 #include "paramjson.h"
 
@@ -30,8 +32,9 @@ bool checkParams(const Json::Value& params, const std::string& which, std::strin
                 good = value[i].isNumeric() || value[i].isBool() || value[i].isNull();
         }
         if (!good) {
-            error = which + ": parameter \"" + name
-                + "\" must be a number, a string, a boolean or an array of numbers";
+            // quoted as JSON: a name may hold line feeds or escape sequences
+            error = which + ": parameter " + Json::valueToQuotedString(name.c_str())
+                + " must be a number, a string, a boolean or an array of numbers";
             return false;
         }
     }
@@ -59,8 +62,14 @@ bool tasksFromJson(
             return false;
         ControlClient::TaskRequest task;
         task.name = item["name"].asString();
-        if (item["params"].isObject())
-            task.params = paramsFromJson(item["params"]);
+        try {
+            if (item["params"].isObject())
+                task.params = paramsFromJson(item["params"]);
+        } catch (const Json::Exception&) {
+            // integers are carried as 32-bit numbers, signed or not as the request reads them
+            error = which + ": a parameter holds an integer that does not fit in 32 bits";
+            return false;
+        }
 
         const Json::Value& chunks = item["chunks"];
         if (!chunks.isNull()) {
@@ -94,6 +103,34 @@ bool tasksFromJson(
     return true;
 }
 
+bool tasksFromText(const std::string& text, const std::string& name,
+    std::vector<ControlClient::TaskRequest>& tasks, std::string& error)
+{
+    Json::CharReaderBuilder builder;
+    builder["collectComments"] = false;
+    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value list;
+    std::string errors;
+    bool parsed = false;
+    try {
+        parsed = reader->parse(text.data(), text.data() + text.size(), &list, &errors);
+    } catch (const Json::Exception& exception) {
+        // nesting deeper than the reader's stack limit
+        errors = exception.what();
+    }
+    if (!parsed) {
+        // First line of jsoncpp's report is enough
+        const std::string first = errors.substr(0, errors.find('\n'));
+        error = name + " is not JSON: " + first;
+        return false;
+    }
+    if (!tasksFromJson(list, tasks, error)) {
+        error = name + ": " + error;
+        return false;
+    }
+    return true;
+}
+
 bool readTaskFile(
     const std::string& fileName, std::vector<ControlClient::TaskRequest>& tasks, std::string& error)
 {
@@ -104,22 +141,5 @@ bool readTaskFile(
     }
     std::ostringstream text;
     text << file.rdbuf();
-    const std::string content = text.str();
-
-    Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-    Json::Value list;
-    std::string errors;
-    if (!reader->parse(content.data(), content.data() + content.size(), &list, &errors)) {
-        // First line of jsoncpp's report is enough
-        const std::string first = errors.substr(0, errors.find('\n'));
-        error = fileName + " is not JSON: " + first;
-        return false;
-    }
-    if (!tasksFromJson(list, tasks, error)) {
-        error = fileName + ": " + error;
-        return false;
-    }
-    return true;
+    return tasksFromText(text.str(), fileName, tasks, error);
 }

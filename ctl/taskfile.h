@@ -12,7 +12,12 @@
 // Parameters may be numbers, strings, booleans, null or arrays of numbers and
 // booleans; anything the request cannot carry is refused here, before a
 // connection is made.
+// Neither reader throws: whatever the text, the answer is true, or false
+// with a one-line reason.
 bool tasksFromJson(
     const Json::Value& list, std::vector<ControlClient::TaskRequest>& tasks, std::string& error);
+// The file's text; name is what the reason calls it.
+bool tasksFromText(const std::string& text, const std::string& name,
+    std::vector<ControlClient::TaskRequest>& tasks, std::string& error);
 bool readTaskFile(
     const std::string& fileName, std::vector<ControlClient::TaskRequest>& tasks, std::string& error);

@@ -41,6 +41,9 @@ public:
     // Connect, as the user would.
     void connectTo(const QString& host, int port);
 
+    // The worker, to look at; it is driven only through the panel.
+    const MonitorWorker& connectionWorker() const { return worker; }
+
 signals:
     void disconnected();
 

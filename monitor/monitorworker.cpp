@@ -52,6 +52,12 @@ void MonitorWorker::setStatusBatch(std::uint32_t batchId)
     statusBatchId = batchId;
 }
 
+std::vector<MonitorCommand> MonitorWorker::queuedCommands() const
+{
+    std::lock_guard<Mutex> lock(mutex);
+    return commands;
+}
+
 void MonitorWorker::disconnect()
 {
     enqueueCommand(Stop, 0, 0);

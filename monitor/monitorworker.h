@@ -59,6 +59,9 @@ public:
     void enqueueCommand(int type, std::uint32_t id, int priority);
     // The batch whose status is polled; ControlClient::NoId for none.
     void setStatusBatch(std::uint32_t batchId);
+    // A copy of the commands waiting for the next turn, oldest first. Takes
+    // the lock, so it waits while a turn's commands run.
+    std::vector<MonitorCommand> queuedCommands() const;
 
     // For the end of the program: makes the running turn fail at once, even
     // inside a request to a server that never answers, and ends run()
@@ -87,7 +90,7 @@ private:
 
     std::vector<MonitorCommand> commands;
     std::uint32_t statusBatchId = ControlClient::NoId;
-    Mutex mutex;
+    mutable Mutex mutex;
 
     std::mutex abortLock;
     bool aborted = false;

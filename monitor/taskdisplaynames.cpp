@@ -74,6 +74,11 @@ void initTaskDisplayNames()
     names["UpdateOrthomosaic"] = QCoreApplication::translate("Monitor", "Update Orthomosaic");
 }
 
+const std::map<std::string, QString>& taskDisplayNameTable()
+{
+    return table();
+}
+
 QString taskDisplayName(const std::string& method)
 {
     // operator[] on purpose: unknown names stay in the table with an empty text

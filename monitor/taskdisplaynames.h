@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 #include <QString>
@@ -15,3 +16,7 @@ void initTaskDisplayNames();
 // caller then shows the method name itself. An unknown name is remembered
 // with an empty text.
 QString taskDisplayName(const std::string& method);
+
+// The table as it stands: the names filled in, and every unknown name looked
+// up since, with its empty text.
+const std::map<std::string, QString>& taskDisplayNameTable();

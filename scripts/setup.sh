@@ -14,6 +14,7 @@ packages=(
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
+    clang libclang-rt-14-dev clang-tidy cppcheck
 )
 
 missing=()

@@ -1,15 +1,23 @@
 #!/usr/bin/env bash
-# Fresh machine to green: installs what is missing, builds, runs every test,
-# builds again with AddressSanitizer and UndefinedBehaviorSanitizer and runs
-# every test once more, then runs the worker, panel and exporter tests, the
-# code with threads of its own, under ThreadSanitizer.
+# Fresh machine to green: installs what is missing, builds, runs every test
+# (gtest cases in a shuffled order, the seed printed), checks the sources with
+# clang-tidy and cppcheck, builds again with AddressSanitizer and
+# UndefinedBehaviorSanitizer and runs every test once more, runs the worker,
+# panel and exporter tests, the code with threads of its own, under
+# ThreadSanitizer, and last runs each fuzz target for a bounded time.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 bash scripts/setup.sh
 
 bash scripts/build.sh build
-ctest --test-dir build --output-on-failure -j2
+# A failure in the shuffled order is reproduced with the same seed:
+#   GTEST_SHUFFLE=1 GTEST_RANDOM_SEED=<seed> ctest --test-dir build
+seed=$((RANDOM % 99999 + 1))
+echo "test: gtest cases shuffled, GTEST_RANDOM_SEED=$seed"
+GTEST_SHUFFLE=1 GTEST_RANDOM_SEED=$seed ctest --test-dir build --output-on-failure -j2
+
+bash scripts/lint.sh build
 
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0
 export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp:print_suppressions=0
@@ -22,3 +30,6 @@ export TSAN_OPTIONS=suppressions=$PWD/tests/tsan.supp:halt_on_error=1:ignore_non
 KORVANE_TARGETS="$threaded korvane_translations" \
     bash scripts/build.sh build-tsan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=thread
 ctest --test-dir build-tsan --output-on-failure -j2 -R "^(${threaded// /|})\$"
+
+# 50 s per target, five targets: within five minutes of fuzzing.
+bash scripts/fuzz.sh 50

@@ -7,7 +7,7 @@
 Farm::Farm(const FarmConfig& config)
     : m_config(config)
     , m_rng(config.seed)
-    , m_generator(m_rng)
+    , m_generator(m_rng, config.objectParamRate)
     , m_now(config.startTime)
 {
     m_nodes = m_generator.makeNodes(config.nodes, config.startTime);

@@ -15,6 +15,9 @@ struct FarmConfig
     int nodes = 12;
     std::uint32_t startTime = 1700000000; // simulated clock at the start, Unix seconds
     double failuresPerNodeHour = 6.0;
+    // Share of generated tasks with an object-valued parameter, which the
+    // monitor skips with a console line each time it reads one (0: none).
+    double objectParamRate = 0.0;
 };
 
 // The simulated processing farm. Simulated time moves only through tick();

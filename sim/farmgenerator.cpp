@@ -35,8 +35,9 @@ int randomPriority(Rng& rng)
 
 } // namespace
 
-FarmGenerator::FarmGenerator(Rng& rng)
+FarmGenerator::FarmGenerator(Rng& rng, double objectParamRate)
     : m_rng(rng)
+    , m_objectParamRate(objectParamRate)
 {
 }
 
@@ -181,12 +182,13 @@ Json::Value FarmGenerator::makeParams()
             region.append(static_cast<double>(m_rng.range(-4000, 4000)) / 16.0);
         params["region"] = region;
     }
-    if (m_rng.chance(0.05)) {
-        Json::Value options(Json::objectValue);
-        options["threads"] = m_rng.range(1, 32);
-        options["use_gpu"] = m_rng.chance(0.5);
-        params["options"] = options;
-    }
+    // Drawn whatever the rate, so that the rate changes nothing else of a seed's farm.
+    const bool withOptions = m_rng.chance(m_objectParamRate);
+    Json::Value options(Json::objectValue);
+    options["threads"] = m_rng.range(1, 32);
+    options["use_gpu"] = m_rng.chance(0.5);
+    if (withOptions)
+        params["options"] = std::move(options);
     return params;
 }
 

@@ -8,12 +8,13 @@
 
 // Makes up the farm a simulation starts with: worker nodes named like
 // "render-07:5841", and batches of 2 to 8 tasks with parameters of every
-// JSON kind tasks use. The first batches are put into the finished states
+// JSON kind tasks use (objects only when asked for). The first batches are put into the finished states
 // (completed, aborted, paused) so that every status shows from the start.
 class FarmGenerator final
 {
 public:
-    explicit FarmGenerator(Rng& rng);
+    // objectParamRate: the share of tasks given an object-valued parameter.
+    FarmGenerator(Rng& rng, double objectParamRate);
 
     std::vector<SimNode> makeNodes(int count, std::uint32_t now);
     // Oldest first, started before now; ids from 1.
@@ -29,4 +30,5 @@ private:
     void finishTasksBefore(SimBatch& batch, std::size_t index);
 
     Rng& m_rng;
+    double m_objectParamRate;
 };

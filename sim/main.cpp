@@ -49,6 +49,11 @@ int main(int argc, char** argv)
     sigaction(SIGTERM, &action, nullptr);
 
     std::cout << "listening on " << options.address << ":" << server.port() << std::endl;
+    if (!server.loopbackOnly())
+        std::cerr << "korvane-sim: warning: " << options.address << ":" << server.port()
+                  << " can be reached from other machines, and the control port has no "
+                     "authentication: anyone who reaches it can control the farm"
+                  << std::endl;
     std::cerr << "korvane-sim: " << options.farm.batches << " batches, " << options.farm.nodes
               << " nodes, seed " << options.farm.seed << ", speed " << options.server.speed << std::endl;
     server.run();

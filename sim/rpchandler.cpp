@@ -142,6 +142,11 @@ std::string RpcHandler::errorReply(const Json::Value& id, int code, const std::s
     return write(reply) + "\n";
 }
 
+std::string RpcHandler::errorLine(int code, const std::string& message) const
+{
+    return errorReply(Json::Value(), code, message);
+}
+
 std::string RpcHandler::handleLine(std::string_view line)
 {
     if (!line.empty() && line.back() == '\r')
@@ -151,7 +156,14 @@ std::string RpcHandler::handleLine(std::string_view line)
 
     Json::Value request;
     std::string errors;
-    if (!m_reader->parse(line.data(), line.data() + line.size(), &request, &errors))
+    bool parsed = false;
+    try {
+        parsed = m_reader->parse(line.data(), line.data() + line.size(), &request, &errors);
+    } catch (const Json::Exception&) {
+        // nesting deeper than the reader's stack limit
+        parsed = false;
+    }
+    if (!parsed)
         return errorReply(Json::Value(), ParseError, "Parse error");
     if (!request.isObject())
         return errorReply(Json::Value(), InvalidRequest, "Invalid Request: not an object");

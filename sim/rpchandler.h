@@ -13,8 +13,9 @@
 // JSON-RPC over lines, server side: one request line in, one reply line out,
 // {"id":<the request's id>,"result":…} or {"error":{"code":…,"message":…},"id":…}.
 // Error codes are JSON-RPC 2.0's: -32700 a line that is not JSON (id null),
-// -32600 not a request object, -32601 an unknown method, -32602 missing or
-// wrongly typed params or an id or path the farm does not know.
+// -32600 not a request object (or a line longer than the server takes),
+// -32601 an unknown method, -32602 missing or wrongly typed params or an id
+// or path the farm does not know; -32000 the server is busy.
 class RpcHandler final
 {
 public:
@@ -22,6 +23,7 @@ public:
     static constexpr int InvalidRequest = -32600;
     static constexpr int MethodNotFound = -32601;
     static constexpr int InvalidParams = -32602;
+    static constexpr int ServerBusy = -32000;
 
     explicit RpcHandler(Farm& farm);
     ~RpcHandler();
@@ -34,6 +36,8 @@ public:
 
     // Compact one-line JSON, as replies are written.
     std::string write(const Json::Value& value) const;
+    // An error reply line to no request in particular (id null).
+    std::string errorLine(int code, const std::string& message) const;
 
 private:
     Json::Value dispatch(const std::string& method, const Json::Value& request, bool& cachedList);

@@ -47,8 +47,8 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
             continue;
         }
         static const char* const valued[] = {"--listen", "--seed", "--speed", "--batches", "--nodes",
-            "--tick-ms", "--start-time", "--failure-rate", "--close-after", "--mute-after", "--garbage-every",
-            "--delay", "--big-reply"};
+            "--tick-ms", "--start-time", "--failure-rate", "--object-params", "--close-after", "--mute-after",
+            "--garbage-every", "--delay", "--big-reply", "--max-line", "--max-clients"};
         bool known = false;
         for (const char* option : valued)
             known = known || name == option;
@@ -66,7 +66,8 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
 
         unsigned long long number = 0;
         double real = 0.0;
-        const std::string bad = "bad value for " + name + ": " + value;
+        std::string bad = "bad value for ";
+        bad.append(name).append(": ").append(value);
         if (name == "--listen") {
             const std::size_t colon = value.rfind(':');
             if (colon == std::string::npos || colon == 0
@@ -82,6 +83,20 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
                 return false;
             }
             (name == "--speed" ? options.server.speed : options.farm.failuresPerNodeHour) = real;
+        } else if (name == "--object-params") {
+            if (!toReal(value, real) || real < 0.0 || real > 1.0) {
+                error = "--object-params needs a share from 0 to 1, got " + value;
+                return false;
+            }
+            options.farm.objectParamRate = real;
+        } else if (name == "--max-line" || name == "--max-clients") {
+            if (!toUnsigned(value, name == "--max-line" ? (1ull << 30) : 0x7FFFFFFFull, number)
+                || number == 0) {
+                error = bad;
+                return false;
+            }
+            (name == "--max-line" ? options.server.maxLineBytes : options.server.maxClients)
+                = static_cast<std::size_t>(number);
         } else {
             const unsigned long long max = name == "--seed" ? ~0ull
                 : name == "--start-time"                    ? 0xFFFFFFFFull
@@ -139,6 +154,14 @@ Farm:
                        now)
   --failure-rate R     failures per working node and simulated hour
                        (default 6)
+  --object-params R    share of tasks, 0 to 1, given a parameter whose value
+                       is an object, which a client may not take (default 0)
+
+Limits (the port has no authentication, so a peer is not trusted):
+  --max-line BYTES     longest request line (default 1048576); a longer one
+                       is answered with error -32600 and the connection closed
+  --max-clients N      clients served at once (default 64); the next one is
+                       told so in one line and closed
 
 Fault switches (each connection counts for itself; all off by default):
   --close-after N      close the connection after N replies

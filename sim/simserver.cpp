@@ -9,6 +9,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -17,6 +18,9 @@ using Clock = Connection::Clock;
 
 // Ticks made up at once after the loop was held up; the rest are dropped.
 constexpr long long MaxCatchUpTicks = 10;
+// Requests answered per connection and round; the rest wait for the next
+// round, after every other connection has had its turn.
+constexpr int RequestsPerRound = 64;
 
 bool blank(const std::string& line)
 {
@@ -59,14 +63,15 @@ bool SimServer::listen(const std::string& address, std::uint16_t port, std::stri
     }
     m_listener = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (m_listener == -1) {
-        error = std::string("socket: ") + std::strerror(errno);
+        error = "socket: " + std::generic_category().message(errno);
         return false;
     }
     const int on = 1;
     ::setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (::bind(m_listener, reinterpret_cast<sockaddr*>(&local), sizeof local) != 0
         || ::listen(m_listener, SOMAXCONN) != 0) {
-        error = "cannot listen on " + address + ":" + std::to_string(port) + ": " + std::strerror(errno);
+        error = "cannot listen on " + address + ":" + std::to_string(port) + ": "
+            + std::generic_category().message(errno);
         ::close(m_listener);
         m_listener = -1;
         return false;
@@ -74,6 +79,7 @@ bool SimServer::listen(const std::string& address, std::uint16_t port, std::stri
     socklen_t length = sizeof local;
     ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&local), &length);
     m_port = ntohs(local.sin_port);
+    m_loopbackOnly = (ntohl(local.sin_addr.s_addr) >> 24) == 127;
     return true;
 }
 
@@ -102,7 +108,9 @@ void SimServer::run()
         polled.push_back({m_wakeRead, POLLIN, 0});
         polled.push_back({m_listener, POLLIN, 0});
         for (const auto& connection : m_connections) {
-            short events = connection->closing() ? 0 : POLLIN;
+            short events = connection->wantsInput() ? POLLIN : 0;
+            if (connection->hasLine() && !connection->closing() && !connection->outputFull())
+                wake = now; // requests left over from the last round
             Clock::time_point due;
             if (connection->nextDue(due)) {
                 if (due <= now)
@@ -128,7 +136,7 @@ void SimServer::run()
         const std::size_t served = m_connections.size();
         std::vector<bool> keep(served, true);
         for (std::size_t i = 0; i < served; ++i)
-            keep[i] = serve(*m_connections[i], ready > 0 ? polled[i + 2].revents : 0);
+            keep[i] = serve(*m_connections[i], ready > 0 ? polled[i + 2].revents : short(0));
         if (ready > 0 && (polled[1].revents & POLLIN))
             acceptAll();
         for (std::size_t i = served; i-- > 0;) {
@@ -148,12 +156,26 @@ void SimServer::acceptAll()
                 continue;
             return;
         }
+        if (m_connections.size() >= m_config.maxClients) {
+            refuse(socket);
+            continue;
+        }
         const int on = 1;
         ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        m_connections.push_back(std::make_unique<Connection>(socket, m_config.faults));
-        if (m_connections.back()->done())
+        m_connections.push_back(std::make_unique<Connection>(socket, m_config.faults, m_config.maxLineBytes));
+        if (m_connections.back()->done(Clock::now()))
             m_connections.pop_back(); // closed after zero replies
     }
+}
+
+void SimServer::refuse(int socket)
+{
+    const std::string line = m_handler.errorLine(RpcHandler::ServerBusy,
+        "Server busy: " + std::to_string(m_config.maxClients) + " clients connected, the most it serves");
+    // A fresh socket's buffer takes one line; what does not fit is lost, not waited for.
+    const ssize_t sent = ::send(socket, line.data(), line.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    (void)sent;
+    ::close(socket);
 }
 
 bool SimServer::serve(Connection& connection, short events)
@@ -166,16 +188,23 @@ bool SimServer::serve(Connection& connection, short events)
     }
     const Clock::time_point now = Clock::now();
     std::string line;
-    while (!connection.closing() && connection.takeLine(line)) {
+    for (int taken = 0; taken < RequestsPerRound && !connection.closing() && !connection.outputFull()
+         && connection.takeLine(line);
+         ++taken) {
         if (blank(line))
             continue;
         if (!connection.answerRequest())
             continue;
         connection.queueReply(m_handler.handleLine(line), now);
     }
+    if (connection.lineTooLong() && !connection.closing())
+        connection.queueLastLine(
+            m_handler.errorLine(RpcHandler::InvalidRequest,
+                "Invalid Request: line longer than " + std::to_string(m_config.maxLineBytes) + " bytes"),
+            now);
     if (!connection.writeDue(now))
         return false;
-    return !connection.done();
+    return !connection.done(now);
 }
 
 void SimServer::tickDue()

@@ -15,14 +15,20 @@ struct ServerConfig
 {
     int tickMs = 100; // real time between ticks; 0 stops the farm's clock
     double speed = 1.0; // simulated seconds per real second
+    // Longest request line kept; a longer one gets an error reply and ends
+    // the connection.
+    std::size_t maxLineBytes = std::size_t {1024} * 1024;
+    // Clients served at once; the next one is told so in one line and closed.
+    std::size_t maxClients = 64;
     FaultSwitches faults;
 };
 
 // The simulator's network side: one thread, one poll() loop over the
 // listening socket, a wake-up pipe and every client connection. Requests are
 // answered in arrival order per connection; a client that sends garbage,
-// stalls or vanishes affects only its own connection. Between requests the
-// loop ticks the farm on the real clock.
+// stalls, vanishes, floods or never reads affects only its own connection:
+// each gets a share of every round, bounded input and bounded replies in
+// waiting. Between requests the loop ticks the farm on the real clock.
 class SimServer final
 {
 public:
@@ -34,6 +40,8 @@ public:
     // An IPv4 address in dotted form; port 0 takes a free one (see port()).
     bool listen(const std::string& address, std::uint16_t port, std::string& error);
     std::uint16_t port() const { return m_port; }
+    // False when the address reaches beyond this machine (not 127.x.x.x).
+    bool loopbackOnly() const { return m_loopbackOnly; }
 
     // Serves until stop().
     void run();
@@ -42,6 +50,8 @@ public:
 
 private:
     void acceptAll();
+    // Tells a client beyond the limit so and closes it.
+    void refuse(int socket);
     bool serve(Connection& connection, short events);
     void tickDue();
 
@@ -52,6 +62,7 @@ private:
     int m_wakeRead = -1;
     int m_wakeWrite = -1;
     std::uint16_t m_port = 0;
+    bool m_loopbackOnly = true;
     std::atomic<bool> m_stop {false};
     std::vector<std::unique_ptr<Connection>> m_connections;
     Connection::Clock::time_point m_start;

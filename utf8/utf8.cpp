@@ -65,11 +65,18 @@ Utf8Codec* setCodec(Utf8Codec* codec)
 
 std::string toNarrow(const std::wstring& text)
 {
-    const std::size_t length = std::wcstombs(nullptr, text.c_str(), 0);
+    // the restartable form, with a state of our own: no hidden shared state
+    std::mbstate_t state {};
+    const wchar_t* source = text.c_str();
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): own state
+    const std::size_t length = std::wcsrtombs(nullptr, &source, 0, &state);
     if (length == static_cast<std::size_t>(-1))
         return std::string();
     std::vector<char> buffer(length + 1);
-    if (std::wcstombs(buffer.data(), text.c_str(), buffer.size()) == static_cast<std::size_t>(-1))
+    state = std::mbstate_t {};
+    source = text.c_str();
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): own state
+    if (std::wcsrtombs(buffer.data(), &source, buffer.size(), &state) == static_cast<std::size_t>(-1))
         return std::string();
     return std::string(buffer.data(), length);
 }

@@ -125,6 +125,18 @@ TEST(Application, MissingTranslationFilesLeaveTextsInEnglish)
     EXPECT_EQ(QCoreApplication::translate("MainWindow", "Ready"), QStringLiteral("Ready"));
 }
 
+TEST(Application, ALanguageWithARegionLoadsOnlyItsOwnFiles)
+{
+    // monitor_de.qm and qt_de.qm are there; monitor_de_AT.qm and qt_de_AT.qm are not
+    Application::loadTranslation(QStringLiteral("de_AT"));
+    EXPECT_TRUE(application()->programTranslationFile().isEmpty());
+    EXPECT_EQ(QCoreApplication::translate("MainWindow", "Ready"), QStringLiteral("Ready"));
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Cancel"));
+    // nor a name with the suffix left off
+    Application::loadTranslation(QStringLiteral("de.qm"));
+    EXPECT_TRUE(application()->programTranslationFile().isEmpty());
+}
+
 TEST(Application, InstalledLanguagesAreTheSevenOfTheBuild)
 {
     EXPECT_EQ(Application::availableLanguages(),

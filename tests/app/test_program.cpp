@@ -1,3 +1,7 @@
+#include <clocale>
+#include <locale.h>
+#include <netdb.h>
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -33,6 +37,44 @@ ProcessResult runMonitor(const QStringList& arguments)
     run.out = QString::fromUtf8(process.readAllStandardOutput());
     run.err = QString::fromUtf8(process.readAllStandardError());
     return run;
+}
+
+// The monitor with a throw-away configuration on the offscreen platform.
+void startMonitor(QProcess& process, const QTemporaryDir& config, const QStringList& arguments,
+    const QProcessEnvironment& extra = {})
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(extra);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
+}
+
+// What the probe style reports from inside a monitor started with this
+// "main/language" (no key when null) and these extra environment variables.
+QString probeStartUp(const QString& language, const QProcessEnvironment& extra = {})
+{
+    QTemporaryDir config;
+    if (!language.isNull()) {
+        QSettings settings(
+            QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf")), QSettings::IniFormat);
+        settings.setValue(QStringLiteral("main/language"), language);
+    }
+    QProcessEnvironment environment = extra;
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KORVANE_PROBE_PLUGINS));
+    environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("korvaneprobe"));
+    QProcess process;
+    startMonitor(process, config, {}, environment);
+    if (!process.waitForFinished(30000)) {
+        process.kill();
+        process.waitForFinished();
+        return QStringLiteral("no report");
+    }
+    QString out = QString::fromUtf8(process.readAllStandardOutput());
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return out + QStringLiteral("exit %1: ").arg(process.exitCode()) + process.readAllStandardError();
+    return out;
 }
 
 } // namespace
@@ -94,15 +136,16 @@ TEST(Program, ConnectOptionFillsTheFieldsAndConnectsOnceTheWindowShows)
 
     QTemporaryDir config;
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KORVANE_MONITOR_PATH),
-        {QStringLiteral("--connect"), QStringLiteral("127.0.0.1:%1").arg(server.port())});
+    startMonitor(
+        process, config, {QStringLiteral("--connect"), QStringLiteral("127.0.0.1:%1").arg(server.port())});
+    // The panel's settings object writes its file when it goes, just after
+    // the worker's thread has started: both are waited for.
+    const QString file = QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf"));
     QElapsedTimer clock;
     clock.start();
-    while (server.received().find("listNodes") == std::string::npos && clock.elapsed() < 10000)
+    while ((server.received().find("listNodes") == std::string::npos
+               || QSettings(file, QSettings::IniFormat).value(QStringLiteral("main/network_port")).isNull())
+        && clock.elapsed() < 10000)
         QThread::msleep(20);
     process.terminate();
     process.waitForFinished(5000);
@@ -110,8 +153,7 @@ TEST(Program, ConnectOptionFillsTheFieldsAndConnectsOnceTheWindowShows)
 
     EXPECT_EQ(server.received().substr(0, 62),
         "{\"id\":0,\"method\":\"listBatches\"}\n{\"id\":1,\"method\":\"listNodes\"}\n");
-    QSettings stored(
-        QDir(config.path()).filePath(QStringLiteral("Korvane/Monitor.conf")), QSettings::IniFormat);
+    QSettings stored(file, QSettings::IniFormat);
     EXPECT_EQ(stored.value(QStringLiteral("main/network_host")).toString(), QStringLiteral("127.0.0.1"));
     EXPECT_EQ(stored.value(QStringLiteral("main/network_port")).toInt(), server.port());
 }
@@ -123,4 +165,74 @@ TEST(Program, ConnectOptionWithABadPortIsRefused)
     EXPECT_TRUE(run.err.endsWith(
         QStringLiteral("korvane-monitor: --connect: \"http\" is not a port number (0 to 65535)\n")))
         << run.err.toStdString();
+}
+
+TEST(Program, ConsoleLinesAfterAFailedLookupStillReachThePipe)
+{
+    const char* host = "no-such-host.invalid";
+    addrinfo hints {};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* addresses = nullptr;
+    const int code = ::getaddrinfo(host, "5840", &hints, &addresses);
+    ASSERT_NE(code, 0);
+    const QByteArray expected = QByteArray(::gai_strerror(code)) + "\ncan't connect to server\n";
+
+    // standard output is a pipe here, as under a service manager or a pager
+    QTemporaryDir config;
+    QProcess process;
+    startMonitor(process, config, {QStringLiteral("--connect"), QString::fromLatin1(host) + ":5840"});
+    QByteArray out;
+    QElapsedTimer clock;
+    clock.start();
+    while (out.size() < expected.size() && clock.elapsed() < 20000) {
+        process.waitForReadyRead(100);
+        out += process.readAllStandardOutput();
+    }
+    // the warning box is up now; nothing else is to come
+    process.kill();
+    process.waitForFinished(5000);
+    out += process.readAllStandardOutput();
+    EXPECT_EQ(out, expected);
+}
+
+TEST(Program, NumbersUseADotUnderAGermanLocale)
+{
+    // present, asked without touching this process's own locale
+    const locale_t present = newlocale(LC_ALL_MASK, "de_DE.UTF-8", locale_t {});
+    ASSERT_NE(present, locale_t {}) << "the de_DE.UTF-8 locale is missing; scripts/setup.sh generates it";
+    freelocale(present);
+    QProcessEnvironment german;
+    german.insert(QStringLiteral("LANG"), QStringLiteral("de_DE.UTF-8"));
+    german.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_DE.UTF-8"));
+    EXPECT_EQ(probeStartUp(QString(), german),
+        QStringLiteral(
+            "decimal: 1234.5\nprintf: 2.5\ncatalogues: monitor_en.qm qt_en.qm\nbutton: Connect\n"));
+}
+
+TEST(Program, WithNoLanguageKeyTheEnglishCataloguesAreLoaded)
+{
+    EXPECT_EQ(probeStartUp(QString()),
+        QStringLiteral(
+            "decimal: 1234.5\nprintf: 2.5\ncatalogues: monitor_en.qm qt_en.qm\nbutton: Connect\n"));
+}
+
+TEST(Program, AnEmptyLanguageLoadsNoCatalogue)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\ncatalogues: \nbutton: Connect\n"));
+}
+
+TEST(Program, TheStoredLanguageIsLoaded)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("de")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\n"
+                       "catalogues: monitor_de.qm qt_de.qm qtbase_de.qm qtmultimedia_de.qm\n"
+                       "button: Verbinden\n"));
+}
+
+TEST(Program, ALanguageWithARegionButNoCataloguesOfItsOwnLoadsNothing)
+{
+    EXPECT_EQ(probeStartUp(QStringLiteral("de_AT")),
+        QStringLiteral("decimal: 1234.5\nprintf: 2.5\ncatalogues: \nbutton: Connect\n"));
 }

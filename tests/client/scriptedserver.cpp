@@ -82,6 +82,12 @@ ScriptedServer& ScriptedServer::reply(const std::string& line)
     return write(line + "\n");
 }
 
+ScriptedServer& ScriptedServer::pause(int milliseconds)
+{
+    m_steps.push_back({Step::Pause, {}, static_cast<std::size_t>(milliseconds)});
+    return *this;
+}
+
 ScriptedServer& ScriptedServer::closeConnection()
 {
     m_steps.push_back({Step::Close, {}, 0});
@@ -140,6 +146,7 @@ void ScriptedServer::run()
             m_ok = false;
             return;
         }
+        ++m_stepsDone;
     }
 }
 
@@ -179,6 +186,11 @@ bool ScriptedServer::runStep(const Step& step)
         }
     case Step::Write:
         return sendAll(step.bytes, step.number);
+    case Step::Pause: {
+        // ends early only when the server is being destroyed
+        pollfd wake {m_wakeRead, POLLIN, 0};
+        return ::poll(&wake, 1, static_cast<int>(step.number)) == 0;
+    }
     case Step::Close:
         closeConnectionNow(false);
         return true;

@@ -33,6 +33,8 @@ public:
     ScriptedServer& write(const std::string& bytes, std::size_t pieceSize = 0);
     // waitForLine, then the line and its line feed.
     ScriptedServer& reply(const std::string& line);
+    // Does nothing for this long: a slow server.
+    ScriptedServer& pause(int milliseconds);
     ScriptedServer& closeConnection();
     // Closes with a reset (SO_LINGER 0) instead of an orderly close.
     ScriptedServer& resetConnection();
@@ -51,6 +53,8 @@ public:
     bool finish();
 
     std::string received() const;
+    // How many steps of the script have been carried out so far.
+    std::size_t stepsDone() const { return m_stepsDone; }
 
 private:
     struct Step
@@ -66,6 +70,7 @@ private:
             WaitClose,
             AnswerEveryLine,
             AnswerByMethod,
+            Pause,
         };
         Kind kind;
         std::string bytes;
@@ -89,6 +94,7 @@ private:
     std::vector<Step> m_steps;
     std::thread m_thread;
     std::atomic<bool> m_stop {false};
+    std::atomic<std::size_t> m_stepsDone {0};
     bool m_ok = true;
 
     mutable std::mutex m_mutex;

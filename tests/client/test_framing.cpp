@@ -1,3 +1,4 @@
+#include <climits>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -31,7 +32,7 @@ public:
         sockaddr_in address {};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        ::bind(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address));
+        EXPECT_EQ(::bind(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
         socklen_t length = sizeof(address);
         ::getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &length);
         m_port = ntohs(address.sin_port);
@@ -293,7 +294,7 @@ TEST(ControlClientSend, PeerClosingDuringSendFailsWithoutKillingTheProcess)
     ControlClient client;
     ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
     // Far more than the socket buffers hold, so send() is still busy when the reset comes.
-    const Json::Value message(std::string(32 * 1024 * 1024, 'x'));
+    const Json::Value message(std::string(std::size_t {32} * 1024 * 1024, 'x'));
     EXPECT_FALSE(client.send(message));
     EXPECT_FALSE(client.isConnected());
     EXPECT_TRUE(server.finish());
@@ -377,7 +378,7 @@ TEST(ControlClientReceive, LineWrittenByteByByteIsReassembled)
 
 TEST(ControlClientReceive, TenMegabyteLineIsReassembled)
 {
-    const std::string payload(10 * 1024 * 1024, 'q');
+    const std::string payload(std::size_t {10} * 1024 * 1024, 'q');
     ScriptedServer server;
     server.acceptConnection().write("{\"result\":\"" + payload + "\"}\n{\"next\":1}\n", 65536).waitForClose();
     server.start();
@@ -498,4 +499,87 @@ TEST(ControlClientReceive, ReconnectDropsBytesOfTheOldConnection)
     EXPECT_EQ(client.receive(-1)["n"].asInt(), 1);
     ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
     EXPECT_EQ(client.receive(-1)["n"].asInt(), 3);
+}
+
+TEST(ControlClientConnection, PeerIsNamedByNumbersOrElseByTheAddressAsGiven)
+{
+    sockaddr_in peer {};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(5841);
+    peer.sin_addr.s_addr = htonl(0x0A000005);
+    EXPECT_EQ(ControlClient::peerText(reinterpret_cast<sockaddr*>(&peer), sizeof(peer), "farm:5841", "5841"),
+        "10.0.0.5:5841");
+    // an address the system cannot put into numbers: the text given, colon and all, and the service
+    EXPECT_EQ(ControlClient::peerText(reinterpret_cast<sockaddr*>(&peer), 0, "farm:5841", "5841"),
+        "farm:5841:5841");
+}
+
+TEST(ControlClientTrace, EveryLineSentAndReceivedIsEchoedWithThePeer)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().write("not json\n{\"b\":[2]}\n");
+    server.start();
+    const ConsoleCapture console;
+    ControlClient client;
+    client.setTrafficTrace(true);
+    ASSERT_TRUE(client.connect("localhost:" + portText(server), 1));
+    Json::Value message(Json::objectValue);
+    message["a"] = 1;
+    ASSERT_TRUE(client.send(message));
+    EXPECT_EQ(client.receive(-1)["b"][0].asInt(), 2);
+    // the peer as the host was given, with the port in use
+    const std::string peer = "localhost:" + portText(server) + "] ";
+    EXPECT_EQ(console.text(),
+        "connected to 127.0.0.1:" + portText(server) + "\n[-> " + peer + "{\"a\":1}\n[<- " + peer
+            + "not json\n" + parseErrorOf("not json") + ": not json\n[<- " + peer + "{\"b\":[2]}\n");
+}
+
+TEST(ControlClientTrace, IsOffUnlessSwitchedOn)
+{
+    ScriptedServer server;
+    server.acceptConnection().reply("{\"b\":2}");
+    server.start();
+    const ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
+    ASSERT_TRUE(client.send(Json::Value("x")));
+    EXPECT_EQ(client.receive(-1)["b"].asInt(), 2);
+    EXPECT_EQ(console.text(), "connected to 127.0.0.1:" + portText(server) + "\n");
+}
+
+TEST(ControlClientReceive, TheTimeOutLimitsOnlyTheWaitForTheFirstBytes)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().write("{\"v\":").pause(700).write("3}\n");
+    server.start();
+    const ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
+    ASSERT_TRUE(client.send(Json::Value("go")));
+    // the first bytes come at once; the rest of the line well after 200 ms
+    EXPECT_EQ(client.receive(200)["v"].asInt(), 3);
+    EXPECT_TRUE(client.isConnected());
+}
+
+TEST(ControlClientReceive, NestingDeeperThanTheReaderTakesIsSkippedLikeAnyLineThatIsNotJson)
+{
+    const std::string deep(200000, '[');
+    std::string readerText;
+    try {
+        Json::Value value;
+        Json::Reader().parse(deep, value, true);
+    } catch (const Json::Exception& error) {
+        readerText = error.what();
+    }
+    ASSERT_FALSE(readerText.empty()) << "the reader no longer throws on deep nesting";
+
+    ScriptedServer server;
+    server.acceptConnection().write(deep + "\n{\"ok\":1}\n").waitForClose();
+    server.start();
+    const ConsoleCapture console;
+    ControlClient client;
+    ASSERT_TRUE(client.connect("127.0.0.1", server.port()));
+    EXPECT_EQ(client.receive(-1)["ok"].asInt(), 1);
+    EXPECT_EQ(console.text(),
+        "connected to 127.0.0.1:" + portText(server) + "\n" + readerText + ": " + deep + "\n");
 }

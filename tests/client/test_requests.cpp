@@ -1,3 +1,5 @@
+#include <climits>
+
 #include <json/value.h>
 
 #include <gtest/gtest.h>
@@ -389,4 +391,63 @@ TEST_F(ControlClientRequests, ParseErrorLineIsSkippedAndTheNextLineIsTheReply)
     connectClient();
     EXPECT_TRUE(m_client.pauseBatch(1));
     EXPECT_NE(m_console.text().find(": garbage\n"), std::string::npos);
+}
+
+TEST_F(ControlClientRequests, TheIdWrapsFromTheLargestIntToTheSmallest)
+{
+    m_server.acceptConnection()
+        .reply(R"({"result":true})")
+        .reply(R"({"result":true})")
+        .reply(R"({"result":true})");
+    connectClient();
+    m_client.setNextRequestId(INT_MAX);
+    EXPECT_TRUE(m_client.pauseNode(1));
+    EXPECT_TRUE(m_client.pauseNode(2));
+    EXPECT_TRUE(m_client.pauseNode(3));
+    EXPECT_TRUE(m_server.finish());
+    EXPECT_EQ(m_server.received(),
+        line(R"({"id":2147483647,"method":"pauseNode","params":{"node_id":1}})")
+            + line(R"({"id":-2147483648,"method":"pauseNode","params":{"node_id":2}})")
+            + line(R"({"id":-2147483647,"method":"pauseNode","params":{"node_id":3}})"));
+}
+
+TEST_F(ControlClientRequests, ByDefaultARequestWaitsForASlowReply)
+{
+    m_server.acceptConnection().waitForLine().pause(1200).write(line(R"({"result":[]})"));
+    connectClient();
+    ControlClient::BatchList batches;
+    EXPECT_TRUE(m_client.listBatches(batches));
+    EXPECT_TRUE(m_client.timedOutRequest().empty());
+}
+
+TEST_F(ControlClientRequests, WithATimeOutASilentServerFailsTheRequestAndTheConnectionIsClosed)
+{
+    m_server.acceptConnection().waitForLine().waitForClose();
+    connectClient();
+    m_client.setRequestTimeout(300);
+    ControlClient::BatchList batches;
+    EXPECT_FALSE(m_client.listBatches(batches));
+    EXPECT_EQ(m_client.timedOutRequest(), "listBatches");
+    EXPECT_FALSE(m_client.isConnected());
+    EXPECT_EQ(m_console.text(),
+        "connected to 127.0.0.1:" + std::to_string(m_server.port()) + "\ndisconnected from server\n");
+}
+
+TEST_F(ControlClientRequests, WithATimeOutLinesThatAreNotJsonOrNeverEndCountAsNoReply)
+{
+    std::string garbage;
+    for (int i = 0; i < 50; ++i)
+        garbage += "not json " + std::to_string(i) + "\n";
+    m_server.acceptConnection().waitForLine().write(garbage).waitForClose();
+    m_server.acceptConnection().waitForLine().write(R"({"result":tr)").waitForClose();
+    connectClient();
+    m_client.setRequestTimeout(300);
+    EXPECT_FALSE(m_client.pauseNode(1));
+    EXPECT_EQ(m_client.timedOutRequest(), "pauseNode");
+    EXPECT_FALSE(m_client.isConnected());
+    // half a line, and then nothing
+    ASSERT_TRUE(m_client.connect("127.0.0.1", m_server.port()));
+    EXPECT_FALSE(m_client.resumeNode(1));
+    EXPECT_EQ(m_client.timedOutRequest(), "resumeNode");
+    EXPECT_TRUE(m_server.finish());
 }

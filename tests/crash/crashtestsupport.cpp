@@ -48,14 +48,17 @@ ProcessResult runProcess(const std::vector<std::string>& arguments,
     for (const auto& [key, value] : environment)
         merged[key] = value;
     std::vector<std::string> environmentTexts;
+    environmentTexts.reserve(merged.size());
     for (const auto& [key, value] : merged)
-        environmentTexts.push_back(key + "=" + value);
+        environmentTexts.push_back(std::string(key).append("=").append(value));
 
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     std::vector<char*> envp;
+    envp.reserve(environmentTexts.size() + 1);
     for (const std::string& text : environmentTexts)
         envp.push_back(const_cast<char*>(text.c_str()));
     envp.push_back(nullptr);
@@ -128,6 +131,7 @@ std::string commandOutput(const std::vector<std::string>& arguments)
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
@@ -257,8 +261,8 @@ void writeSystemSymbols(const std::string& dumpPath, const std::string& store)
             && (module.rfind("/usr/lib/", 0) == 0 || module.rfind("/lib/", 0) == 0);
         if (!library)
             continue;
-        const std::string name = module.substr(module.rfind('/') + 1);
-        if (std::filesystem::exists(store + "/" + name))
+        const std::filesystem::path name = std::filesystem::path(module).filename();
+        if (std::filesystem::exists(std::filesystem::path(store) / name))
             continue;
         const std::string symbols = commandOutput({DUMP_SYMS, module});
         // MODULE <os> <cpu> <id> <name>
@@ -266,11 +270,13 @@ void writeSystemSymbols(const std::string& dumpPath, const std::string& store)
         std::string word, os, cpu, id, moduleName;
         if (!(header >> word >> os >> cpu >> id >> moduleName) || word != "MODULE")
             continue;
-        const std::string directory = store + "/" + moduleName + "/" + id;
+        const std::filesystem::path directory = std::filesystem::path(store) / moduleName / id;
         std::filesystem::create_directories(directory);
-        const std::string partial = directory + "/" + moduleName + ".sym." + std::to_string(getpid());
+        // written aside and renamed, so that a parallel test never reads half a file
+        std::filesystem::path partial = directory / moduleName;
+        partial += ".sym." + std::to_string(getpid());
         std::ofstream(partial, std::ios::binary) << symbols;
-        std::filesystem::rename(partial, directory + "/" + moduleName + ".sym");
+        std::filesystem::rename(partial, directory / (moduleName + ".sym"));
     }
 }
 

@@ -16,6 +16,7 @@ TEST(CtlOptions, DefaultsAreLocalhostAndPort5840)
     EXPECT_EQ(options.host, "127.0.0.1");
     EXPECT_EQ(options.port, 5840);
     EXPECT_FALSE(options.json);
+    EXPECT_EQ(options.timeoutMs, 10000);
     EXPECT_EQ(options.command, CtlCommand::Batches);
     EXPECT_EQ(options.address(), "127.0.0.1:5840");
 }
@@ -34,6 +35,27 @@ TEST(CtlOptions, APortAfterTheHostOverridesThePortOption)
     CtlOptions plain;
     ASSERT_TRUE(parseCtlOptions({"--host=farm", "--port=6000", "nodes"}, plain, error));
     EXPECT_EQ(plain.address(), "farm:6000");
+}
+
+TEST(CtlOptions, TheTimeOutIsInSecondsAndZeroMeansNoLimit)
+{
+    const std::pair<const char*, int> good[]
+        = {{"10", 10000}, {"0", -1}, {"0.0", -1}, {"2.5", 2500}, {"0.001", 1}, {"86400", 86400000}};
+    for (const auto& [text, milliseconds] : good) {
+        int timeout = 0;
+        EXPECT_TRUE(parseTimeout(text, timeout)) << text;
+        EXPECT_EQ(timeout, milliseconds) << text;
+    }
+    for (const char* text : {"", "-1", "abc", "1e3", "86401", "0.0001", "1.2.3", " 5"}) {
+        int timeout = 0;
+        EXPECT_FALSE(parseTimeout(text, timeout)) << text;
+    }
+    CtlOptions options;
+    std::string error;
+    ASSERT_TRUE(parseCtlOptions({"--timeout", "3", "nodes"}, options, error)) << error;
+    EXPECT_EQ(options.timeoutMs, 3000);
+    EXPECT_FALSE(parseCtlOptions({"--timeout", "soon", "nodes"}, options, error));
+    EXPECT_EQ(error, "not a time-out in seconds (0 to 86400): soon");
 }
 
 TEST(CtlOptions, LevelsAreWordsOrNumbersFromMinusTwoToTwo)

@@ -38,9 +38,9 @@ int closedPort()
     sockaddr_in address {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    EXPECT_EQ(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     socklen_t length = sizeof address;
-    ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length);
+    EXPECT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &length), 0);
     ::close(listener);
     return ntohs(address.sin_port);
 }
@@ -302,4 +302,72 @@ TEST(CtlAgainstSimulator, ListsCommandsAndRefusals)
     EXPECT_EQ(created.out, "31\n");
     EXPECT_EQ(runCtl(atPort(port, {"find", "/p/new.kproj"})).out, "31\n");
     std::remove(tasks.c_str());
+}
+
+TEST(CtlRequests, ASilentServerEndsTheToolWithThreeAfterTheTimeOut)
+{
+    FaultSwitches silent;
+    silent.muteAfterRequests = 0;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(silent));
+    const CtlResult result = runCtl(atPort(sim.port(), {"--timeout", "0.3", "batches"}));
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(sim.port())
+            + " to listBatches within 0.3 s\n");
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(CtlRequests, AServerSendingOnlyLinesThatAreNotJsonEndsTheToolWithThree)
+{
+    std::string garbage;
+    for (int i = 0; i < 100; ++i)
+        garbage += "<html>busy</html>\n";
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().write(garbage).waitForClose();
+    server.start();
+    const CtlResult result = runCtl(atPort(server.port(), {"--timeout=1", "pause-node", "4", "5"}));
+    EXPECT_TRUE(server.finish());
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(server.port())
+            + " to pauseNode within 1 s\n");
+    // the second node was never asked for
+    EXPECT_EQ(server.received(),
+        R"({"id":0,"method":"pauseNode","params":{"node_id":4}})"
+        "\n");
+}
+
+TEST(CtlRequests, WithoutATimeOutASlowServerIsWaitedFor)
+{
+    ScriptedServer server;
+    server.acceptConnection().waitForLine().pause(1200).write(R"({"result":[]})"
+                                                              "\n");
+    server.start();
+    const CtlResult result = runCtl(atPort(server.port(), {"--timeout", "0", "--json", "batches"}));
+    EXPECT_TRUE(server.finish());
+    EXPECT_EQ(result.code, CtlRunner::ExitDone);
+    EXPECT_EQ(result.out, "[]\n");
+}
+
+// Found by fuzzing the task file reader: each of these once ended the tool
+// with an uncaught exception or a reason spread over several lines.
+TEST(CtlRequests, TaskFilesTheRequestCannotCarryAreOneLineUsageErrors)
+{
+    const std::string bigNumber = writeTaskFile(R"([{"name":"BuildModel","params":{"quality":2222222222}}])");
+    const std::string lineFeed = writeTaskFile("[{\"name\":\"X\",\"params\":{\"a\\nb\\u001b[2J\":{}}}]");
+    const std::string deep = writeTaskFile(std::string(1500, '['));
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {bigNumber, bigNumber + ": task 1: a parameter holds an integer that does not fit in 32 bits"},
+        {lineFeed,
+            lineFeed
+                + ": task 1: parameter \"a\\nb\\u001b[2J\" must be a number, a string, a boolean or an array "
+                  "of numbers"},
+        {deep, deep + " is not JSON: Exceeded stackLimit in readValue()."},
+    };
+    for (const auto& [file, reason] : cases) {
+        const CtlResult result = runCtl({"--port", "1", "create", "/p/x.kproj", file});
+        EXPECT_EQ(result.code, CtlRunner::ExitUsage);
+        EXPECT_EQ(result.err, "korvane-ctl: " + reason + "\n");
+        std::remove(file.c_str());
+    }
 }

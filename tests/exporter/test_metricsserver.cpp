@@ -49,11 +49,11 @@ const std::string DownBody
       "else 0.\n# TYPE korvane_up gauge\nkorvane_up 0\n";
 
 // The simulator's farm of seed 1, its clock standing still.
-const std::string FrozenFarmCounts = R"(korvane_batches{status="pending"} 21
+const std::string FrozenFarmCounts = R"(korvane_batches{status="pending"} 16
 korvane_batches{status="working"} 0
-korvane_batches{status="completed"} 6
-korvane_batches{status="paused"} 1
-korvane_batches{status="aborted"} 2
+korvane_batches{status="completed"} 10
+korvane_batches{status="paused"} 3
+korvane_batches{status="aborted"} 1
 korvane_batches{status="ready"} 0
 # HELP korvane_nodes Worker nodes of the processing server, by status.
 # TYPE korvane_nodes gauge

@@ -64,6 +64,8 @@ private:
 struct MenuVisit
 {
     bool opened = false;
+    // where the menu opened, in global coordinates
+    QPoint at;
     QStringList entries;
     QStringList submenu;
     bool allEnabledPlain = true;
@@ -79,6 +81,7 @@ inline MenuVisit chooseFromMenu(QTreeWidget* tree, const QPoint& pos, const QStr
             return;
         guard.stop();
         visit.opened = true;
+        visit.at = menu->pos();
         QAction* chosen = nullptr;
         QMenu* level = menu;
         for (QAction* action : menu->actions()) {

@@ -1,3 +1,4 @@
+#include <QCursor>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QScopeGuard>
@@ -38,6 +39,16 @@ std::vector<std::string> commandLines(const std::string& received)
         start = end + 1;
     }
     return lines;
+}
+
+// The worker's queue as "type id priority", oldest first.
+std::vector<std::string> queued(const Monitor& panel)
+{
+    std::vector<std::string> texts;
+    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
+        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
+            + std::to_string(command.priority));
+    return texts;
 }
 
 std::size_t occurrences(const std::string& text, const std::string& what)
@@ -131,6 +142,19 @@ TEST_F(ContextMenus, EveryEntrySendsItsRequestsAtTheNextTurn)
     EXPECT_EQ(commandLines(server.received()), expected);
 }
 
+TEST_F(ContextMenus, MenusOpenWhereTheMouseCursorIsNotWhereTheRowWasClicked)
+{
+    for (QTreeWidget* tree : {ui.batches, ui.nodes}) {
+        const QPoint click = tree->visualItemRect(tree->topLevelItem(0)).center();
+        QCursor::setPos(QPoint(37, 41));
+        ASSERT_EQ(QCursor::pos(), QPoint(37, 41));
+        ASSERT_NE(tree->viewport()->mapToGlobal(click), QPoint(37, 41));
+        const MenuVisit visit = chooseFromMenu(tree, click, {});
+        EXPECT_TRUE(visit.opened);
+        EXPECT_EQ(visit.at, QPoint(37, 41)) << tree->objectName().toStdString();
+    }
+}
+
 TEST_F(ContextMenus, RightClickBelowTheLastRowOpensNothingAndKeepsTheSelection)
 {
     chooseFromMenu(ui.batches, 1, {"Pause"});
@@ -191,7 +215,7 @@ TEST_F(ContextMenus, DetailsFollowTheChosenBatchOnlyWhileOpen)
     EXPECT_EQ(occurrences(server.received(), "getBatchStatus"), settled);
 }
 
-TEST(ContextMenusDisconnected, CommandsChosenWhileDisconnectedAreDroppedAtTheNextConnect)
+TEST(ContextMenusDisconnected, CommandsChosenWhileDisconnectedAreQueuedAndDroppedAtTheNextConnect)
 {
     TestEnvironment::clearSettings();
     ConsoleCapture console;
@@ -205,11 +229,17 @@ TEST(ContextMenusDisconnected, CommandsChosenWhileDisconnectedAreDroppedAtTheNex
     ControlClient::BatchInfo seven;
     seven.batchId = 7;
     panel.updateBatches({seven});
-    const MenuVisit visit = chooseFromMenu(ui.batches, 0, {"Pause"});
-    EXPECT_TRUE(visit.opened);
+    ControlClient::NodeInfo three;
+    three.nodeId = 3;
+    panel.updateNodes({three});
+    EXPECT_TRUE(chooseFromMenu(ui.batches, 0, {"Pause"}).opened);
+    EXPECT_TRUE(chooseFromMenu(ui.nodes, 0, {"Set Priority", "Low"}).opened);
+    EXPECT_EQ(queued(panel), (std::vector<std::string> {"4 7 0", "8 3 -1"}));
+
     panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
     ASSERT_TRUE(waitUntil([&] { return occurrences(server.received(), "listNodes") >= 2; }));
     EXPECT_TRUE(commandLines(server.received()).empty());
+    EXPECT_TRUE(queued(panel).empty());
     panel.shutdown(5000);
     server.finish();
 }

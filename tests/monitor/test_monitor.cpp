@@ -1,3 +1,9 @@
+#include <atomic>
+#include <chrono>
+#include <iostream>
+#include <streambuf>
+#include <thread>
+
 #include <QHeaderView>
 #include <QMetaMethod>
 #include <QScopeGuard>
@@ -38,6 +44,66 @@ ControlClient::NodeInfo node(std::uint32_t id, const char* host)
     n.status = ControlClient::Ready;
     return n;
 }
+
+std::size_t occurrences(const std::string& text, const std::string& what)
+{
+    std::size_t n = 0;
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        ++n;
+    return n;
+}
+
+// Stands in for std::cout while it lives, and keeps what is written. The
+// first line the worker writes from its own thread hooks that thread's
+// finished() signal directly, so that the thread lingers holdMs after saying
+// it has finished (once): the moment in which the panel already reads
+// "Connect" while its thread has not yet ended, made long enough to press
+// the button in.
+class ThreadEndHold final : public std::streambuf
+{
+public:
+    explicit ThreadEndHold(int holdMs)
+        : m_holdMs(holdMs)
+        , m_old(std::cout.rdbuf(this))
+    {
+    }
+    ~ThreadEndHold() override { std::cout.rdbuf(m_old); }
+    ThreadEndHold(const ThreadEndHold&) = delete;
+    ThreadEndHold& operator=(const ThreadEndHold&) = delete;
+
+    bool released() const { return m_released; }
+
+protected:
+    int overflow(int c) override
+    {
+        hook();
+        return traits_type::not_eof(c);
+    }
+    std::streamsize xsputn(const char*, std::streamsize count) override
+    {
+        hook();
+        return count;
+    }
+
+private:
+    void hook()
+    {
+        if (QThread::currentThread() == QCoreApplication::instance()->thread() || m_hooked.exchange(true))
+            return;
+        QObject::connect(QThread::currentThread(), &QThread::finished, [this] {
+            if (m_held.exchange(true))
+                return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(m_holdMs));
+            m_released = true;
+        });
+    }
+
+    int m_holdMs;
+    std::streambuf* m_old;
+    std::atomic<bool> m_hooked {false};
+    std::atomic<bool> m_held {false};
+    std::atomic<bool> m_released {false};
+};
 
 QStringList headerTexts(QTreeWidget* tree)
 {
@@ -370,32 +436,42 @@ TEST_F(MonitorPanel, ConnectingAgainAfterADisconnectStartsANewConnection)
     server.finish();
 }
 
-TEST_F(MonitorPanel, ConnectWhileTheLastThreadIsStillEndingWaitsForIt)
+TEST_F(MonitorPanel, ConnectRightAfterADisconnectWaitsUntilTheLastThreadHasEnded)
 {
     ScriptedServer server;
-    server.acceptConnection().reply(EmptyList).reply(EmptyList).waitForLine().closeConnection();
+    server.acceptConnection().answerEveryLine(EmptyList + "\n");
     server.acceptConnection().answerEveryLine(EmptyList + "\n");
     server.start();
-    ConsoleCapture console;
-    MessageBoxCatcher boxes;
+    ThreadEndHold hold(500);
     Monitor panel(nullptr);
     const auto stop = qScopeGuard([&] { panel.shutdown(5000); });
     PanelWidgets ui(panel);
-    panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
+    ui.host->setText(QStringLiteral("127.0.0.1"));
+    ui.port->setValue(server.port());
+    ui.button->click();
     ASSERT_TRUE(waitUntil([&] { return server.received().find("listNodes") != std::string::npos; }));
 
-    // the panel believes it is idle while the worker's thread still runs
-    panel.finish();
-    ASSERT_EQ(ui.button->text(), QStringLiteral("Connect"));
     ui.button->click();
-    // the click returned only after the first run had ended: its second turn went out
-    EXPECT_NE(server.received().find(R"({"id":2,"method":"listBatches"})"), std::string::npos);
+    // "Connect" shows once the thread has said it finished, before it has ended
+    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
+    ASSERT_FALSE(hold.released()) << "the thread ended before Connect could be pressed";
+    const std::size_t polled = occurrences(server.received(), "listNodes");
+    ui.button->click();
+    // the press returned only after the last thread had ended
+    EXPECT_TRUE(hold.released());
+    EXPECT_EQ(ui.button->text(), QStringLiteral("Disconnect"));
+
+    // the new connection polls, and the button says "Disconnect" all the while
+    bool disconnectShown = true;
     ASSERT_TRUE(waitUntil([&] {
-        return server.received().find(R"({"id":2,"method":"listBatches"})"
-                                      "\n"
-                                      R"({"id":0,"method":"listBatches"})")
-            != std::string::npos;
+        disconnectShown = disconnectShown && ui.button->text() == QStringLiteral("Disconnect");
+        return occurrences(server.received(), "listNodes") >= polled + 2;
     }));
+    EXPECT_TRUE(disconnectShown);
+    EXPECT_NE(server.received().find(R"({"id":1,"method":"listNodes"})"
+                                     "\n"
+                                     R"({"id":0,"method":"listBatches"})"),
+        std::string::npos);
     panel.shutdown(5000);
     server.finish();
 }

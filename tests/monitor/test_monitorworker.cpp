@@ -305,3 +305,33 @@ TEST_F(WorkerOnServer, AbortEndsARunStuckOnAServerThatNeverAnswers)
     ASSERT_TRUE(waitUntil([&] { return recorder().count("finished") == 1; }));
     EXPECT_EQ(recorder().count("error:Disconnected from server"), 0);
 }
+
+TEST_F(WorkerOnServer, EnqueueingWaitsWhileTheTurnsCommandsRun)
+{
+    // steps: 0 accept; 1-4 the lists of the first turn; 5 the command's line;
+    // 6 a slow server's pause; 7 its answer; 8 everything after
+    server.acceptConnection()
+        .reply(EmptyList)
+        .reply(EmptyList)
+        .waitForLine()
+        .pause(800)
+        .write(Ok + "\n")
+        .answerEveryLine(EmptyList + "\n");
+    start();
+    ASSERT_TRUE(turnsDone(1));
+    worker().enqueueCommand(MonitorWorker::PauseNode, 5, 0);
+    ASSERT_TRUE(waitUntil([&] { return server.stepsDone() >= 6; }));
+    ASSERT_LT(server.stepsDone(), 7u) << "the server answered before the test could ask";
+
+    // the worker holds its lock until the command's answer is in
+    worker().enqueueCommand(MonitorWorker::ResumeNode, 6, 0);
+    EXPECT_GE(server.stepsDone(), 7u);
+
+    ASSERT_TRUE(waitUntil([&] { return server.received().find("resumeNode") != std::string::npos; }));
+    ASSERT_TRUE(stop());
+    const std::string expected
+        = lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",
+            R"({"id":2,"method":"pauseNode","params":{"node_id":5}})", R"({"id":3,"method":"listBatches"})",
+            R"({"id":4,"method":"listNodes"})", R"({"id":5,"method":"resumeNode","params":{"node_id":6}})"});
+    EXPECT_EQ(server.received().substr(0, expected.size()), expected);
+}

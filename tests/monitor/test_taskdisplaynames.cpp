@@ -1,19 +1,61 @@
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include "taskdisplaynames.h"
 #include "testenvironment.h"
 
-// Runs first (gtest keeps file order): nothing has filled the table yet.
-TEST(TaskDisplayNames, LookupBeforeTheTableIsFilledYieldsEmptyTexts)
+// The table is one per process and other tests fill it, in whatever order
+// they run (shuffled or filtered): these checks run in a fresh process of
+// this same program, started by gtest to run this test alone, where nothing
+// has filled the table yet.
+class TaskDisplayNamesDeathTest : public ::testing::Test
 {
-    EXPECT_EQ(taskDisplayName("BuildModel"), QString());
-    EXPECT_EQ(taskDisplayName("AlignCameras"), QString());
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(TaskDisplayNamesDeathTest, LookupBeforeTheTableIsFilledYieldsEmptyTexts)
+{
+    EXPECT_EXIT(
+        {
+            const bool empty = taskDisplayNameTable().empty() && taskDisplayName("BuildModel").isEmpty()
+                && taskDisplayName("AlignCameras").isEmpty();
+            std::exit(empty ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
-TEST(TaskDisplayNames, FillingAssignsEvenNamesLookedUpBefore)
+TEST_F(TaskDisplayNamesDeathTest, FillingAssignsEvenNamesLookedUpBefore)
+{
+    EXPECT_EXIT(
+        {
+            const bool before = taskDisplayName("BuildModel").isEmpty();
+            initTaskDisplayNames();
+            std::exit(before && taskDisplayName("BuildModel") == QStringLiteral("Build Mesh") ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+TEST(TaskDisplayNames, LookingUpAnUnknownNameAddsItWithAnEmptyText)
 {
     initTaskDisplayNames();
+    const std::map<std::string, QString>& table = taskDisplayNameTable();
+    ASSERT_EQ(table.count("NoSuchTaskInTheTable"), 0u);
+    const std::size_t size = table.size();
+
+    EXPECT_EQ(taskDisplayName("NoSuchTaskInTheTable"), QString());
+    ASSERT_EQ(table.count("NoSuchTaskInTheTable"), 1u);
+    EXPECT_EQ(table.at("NoSuchTaskInTheTable"), QString());
+    EXPECT_EQ(table.size(), size + 1);
+    // once in, it stays one entry, and filling the table again leaves it there
+    EXPECT_EQ(taskDisplayName("NoSuchTaskInTheTable"), QString());
+    initTaskDisplayNames();
+    EXPECT_EQ(table.size(), size + 1);
+    EXPECT_EQ(table.count("NoSuchTaskInTheTable"), 1u);
+    // a known name adds nothing
     EXPECT_EQ(taskDisplayName("BuildModel"), QStringLiteral("Build Mesh"));
+    EXPECT_EQ(table.size(), size + 1);
 }
 
 TEST(TaskDisplayNames, BuildModelIsBuildMeshAndImportDemIsImportDem)

@@ -86,7 +86,9 @@ TEST(SimFarm, NodesAreNamedLikeRenderHostsWithPortAndVersion)
 
 TEST(SimFarm, GeneratedBatchesHaveTwoToEightTasksWithParameters)
 {
-    Farm farm(quietFarm(200, 0));
+    FarmConfig config = quietFarm(200, 0);
+    config.objectParamRate = 0.05;
+    Farm farm(config);
     std::set<Json::ValueType> kinds;
     bool unknownName = false;
     for (const SimBatch& batch : farm.batches()) {
@@ -103,6 +105,61 @@ TEST(SimFarm, GeneratedBatchesHaveTwoToEightTasksWithParameters)
     for (Json::ValueType kind : {Json::intValue, Json::uintValue, Json::realValue, Json::stringValue,
              Json::booleanValue, Json::arrayValue, Json::objectValue})
         EXPECT_EQ(kinds.count(kind), 1u) << "kind " << kind;
+}
+
+// Object-valued parameters are for the tests of a client's skipping; a
+// demonstration farm has none unless asked.
+int tasksWithAnObjectParameter(double rate)
+{
+    FarmConfig config = quietFarm(200, 0);
+    config.objectParamRate = rate;
+    Farm farm(config);
+    int count = 0;
+    for (const SimBatch& batch : farm.batches()) {
+        for (const SimTask& task : batch.tasks) {
+            for (const std::string& name : task.params.getMemberNames())
+                count += task.params[name].isObject();
+        }
+    }
+    return count;
+}
+
+TEST(SimFarm, ObjectParametersComeOnlyWhenAskedFor)
+{
+    EXPECT_EQ(tasksWithAnObjectParameter(FarmConfig().objectParamRate), 0);
+    EXPECT_GT(tasksWithAnObjectParameter(0.05), 0);
+    // every task that has parameters, at the highest rate
+    FarmConfig config = quietFarm(200, 0);
+    config.objectParamRate = 1.0;
+    Farm farm(config);
+    int withParams = 0;
+    for (const SimBatch& batch : farm.batches()) {
+        for (const SimTask& task : batch.tasks)
+            withParams += task.params.isObject();
+    }
+    EXPECT_EQ(tasksWithAnObjectParameter(1.0), withParams);
+}
+
+TEST(SimFarm, TheObjectRateChangesNothingElseOfTheFarm)
+{
+    FarmConfig plain = quietFarm(50, 20);
+    FarmConfig objects = plain;
+    objects.objectParamRate = 1.0;
+    Farm a(plain);
+    Farm b(objects);
+    ASSERT_EQ(a.batches().size(), b.batches().size());
+    for (std::size_t i = 0; i < a.batches().size(); ++i) {
+        ASSERT_EQ(a.batches()[i].tasks.size(), b.batches()[i].tasks.size());
+        EXPECT_EQ(a.batches()[i].path, b.batches()[i].path);
+        for (std::size_t t = 0; t < a.batches()[i].tasks.size(); ++t) {
+            Json::Value params = b.batches()[i].tasks[t].params;
+            if (params.isObject())
+                params.removeMember("options");
+            EXPECT_EQ(a.batches()[i].tasks[t].params, params);
+            EXPECT_EQ(a.batches()[i].tasks[t].name, b.batches()[i].tasks[t].name);
+        }
+    }
+    EXPECT_EQ(a.nodes()[19].hostname, b.nodes()[19].hostname);
 }
 
 TEST(SimFarm, EveryStatusOccurs)

@@ -216,3 +216,19 @@ TEST_F(SimRpc, TheListReplyFollowsChangesOfTheFarm)
     const Json::Value after = replyTo("{\"id\":1,\"method\":\"listBatches\"}");
     EXPECT_EQ(after["result"][4]["priority"].asInt(), 2);
 }
+
+TEST_F(SimRpc, NestingDeeperThanTheReaderTakesIsAParseError)
+{
+    EXPECT_EQ(error(std::string(200000, '[')), errorLine("null", -32700, "Parse error"));
+    EXPECT_EQ(error("{\"id\":1,\"method\":\"listNodes\",\"params\":" + std::string(5000, '[')
+                  + std::string(5000, ']') + "}"),
+        errorLine("null", -32700, "Parse error"));
+    // the handler goes on as before
+    EXPECT_EQ(error("{\"id\":2,\"method\":\"pauseNode\",\"params\":{\"node_id\":1}}"),
+        "{\"id\":2,\"result\":true}\n");
+}
+
+TEST_F(SimRpc, ErrorLinesToNoRequestCarryANullId)
+{
+    EXPECT_EQ(m_handler.errorLine(-32000, "Server busy"), errorLine("null", -32000, "Server busy"));
+}

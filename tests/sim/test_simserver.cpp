@@ -25,6 +25,20 @@ std::string trueReply(int id)
     return "{\"id\":" + std::to_string(id) + ",\"result\":true}\n";
 }
 
+std::string tooLong(int limit)
+{
+    return "{\"error\":{\"code\":-32600,\"message\":\"Invalid Request: line longer than "
+        + std::to_string(limit) + " bytes\"},\"id\":null}\n";
+}
+
+ServerConfig withLimits(std::size_t maxLine, std::size_t maxClients)
+{
+    ServerConfig config = RunningSim::frozen();
+    config.maxLineBytes = maxLine;
+    config.maxClients = maxClients;
+    return config;
+}
+
 } // namespace
 
 TEST(SimServer, GarbageGetsAParseErrorAndTheConnectionStaysOpen)
@@ -199,5 +213,96 @@ TEST(SimServer, AnswersTenThousandBatchesAndTwoThousandNodes)
         ASSERT_EQ(nodes.size(), 2000u);
         EXPECT_EQ(batches[9999].batchId, 10000u);
         EXPECT_EQ(nodes[1999].hostname, "render-2000:5841");
+    }
+}
+
+TEST(SimServer, TheLimitsDefaultToOneMebibyteLinesAndSixtyFourClients)
+{
+    EXPECT_EQ(ServerConfig().maxLineBytes, 1048576u);
+    EXPECT_EQ(ServerConfig().maxClients, 64u);
+}
+
+TEST(SimServer, ALineGrowingPastTheLimitGetsAnErrorAfterTheRequestsBeforeItAndTheConnectionCloses)
+{
+    RunningSim sim(FarmConfig(), withLimits(1000, 64));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + std::string(1001, 'x')));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_EQ(client.readLine(), tooLong(1000));
+    // what the peer still sends is read and dropped, then the server closes
+    ASSERT_TRUE(client.write(std::string(5000, 'y') + "\n" + pauseNode(2)));
+    EXPECT_TRUE(client.closedByPeer());
+    EXPECT_EQ(client.pending(), "");
+}
+
+TEST(SimServer, ACompleteLineOverTheLimitEndsTheConnectionAndNothingAfterItIsAnswered)
+{
+    RunningSim sim(FarmConfig(), withLimits(1000, 64));
+    LineClient client(sim.port());
+    ASSERT_TRUE(client.write(pauseNode(1) + std::string(1001, ' ') + "\n" + pauseNode(2)));
+    EXPECT_EQ(client.readLine(), trueReply(1));
+    EXPECT_EQ(client.readLine(), tooLong(1000));
+    EXPECT_TRUE(client.closedByPeer());
+    EXPECT_EQ(client.pending(), "");
+}
+
+TEST(SimServer, ALineOfExactlyTheLimitIsStillARequest)
+{
+    RunningSim sim(FarmConfig(), withLimits(1000, 64));
+    LineClient client(sim.port());
+    std::string request = pauseNode(5);
+    request.insert(request.size() - 1, 1000 - request.size() + 1, ' ');
+    ASSERT_EQ(request.size(), 1001u);
+    ASSERT_TRUE(client.write(request + pauseNode(6)));
+    EXPECT_EQ(client.readLine(), trueReply(5));
+    EXPECT_EQ(client.readLine(), trueReply(6));
+}
+
+TEST(SimServer, TheClientBeyondTheLimitIsToldAndClosedWhileTheOthersAreServed)
+{
+    RunningSim sim(FarmConfig(), withLimits(1048576, 2));
+    LineClient first(sim.port());
+    LineClient second(sim.port());
+    ASSERT_TRUE(first.write(pauseNode(1)));
+    ASSERT_TRUE(second.write(pauseNode(2)));
+    EXPECT_EQ(first.readLine(), trueReply(1));
+    EXPECT_EQ(second.readLine(), trueReply(2));
+
+    LineClient third(sim.port());
+    EXPECT_EQ(third.readLine(),
+        "{\"error\":{\"code\":-32000,\"message\":\"Server busy: 2 clients connected, the most it "
+        "serves\"},\"id\":null}\n");
+    EXPECT_TRUE(third.closedByPeer());
+    ASSERT_TRUE(first.write(pauseNode(3)));
+    EXPECT_EQ(first.readLine(), trueReply(3));
+
+    // a place that comes free is taken again
+    second.close();
+    std::string answer;
+    for (int attempt = 0; attempt < 100 && answer != trueReply(4); ++attempt) {
+        LineClient next(sim.port());
+        if (next.write(pauseNode(4)))
+            answer = next.readLine();
+    }
+    EXPECT_EQ(answer, trueReply(4));
+}
+
+TEST(SimServer, ClientsThatNeverReadStallOrFloodDoNotHoldUpTheOthers)
+{
+    RunningSim sim;
+    LineClient silent(sim.port());
+    LineClient halfLine(sim.port());
+    ASSERT_TRUE(halfLine.write("{\"id\":1,\"method\":\"listNo"));
+    // asks for far more than its socket buffers hold, and never reads
+    LineClient neverReads(sim.port());
+    std::string flood;
+    for (int i = 0; i < 2000; ++i)
+        flood += ListNodes + "{\"id\":2,\"method\":\"listBatches\"}\n";
+    ASSERT_TRUE(neverReads.write(flood));
+
+    LineClient other(sim.port());
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(other.write(pauseNode(100 + i)));
+        ASSERT_EQ(other.readLine(5000), trueReply(100 + i));
     }
 }
