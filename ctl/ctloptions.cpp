@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "commandlineoption.h"
+
 namespace {
 
 bool parsePort(const std::string& text, int& port)
@@ -164,21 +166,14 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
 {
     std::size_t i = 0;
     for (; i < args.size(); ++i) {
-        std::string name = args[i];
-        if (name.rfind('-', 0) != 0 || name == "-")
+        if (args[i].rfind('-', 0) != 0 || args[i] == "-")
             break;
-        if (name == "--") {
+        if (args[i] == "--") {
             ++i;
             break;
         }
-        std::string value;
-        bool hasValue = false;
-        const std::size_t equals = name.find('=');
-        if (name.rfind("--", 0) == 0 && equals != std::string::npos) {
-            value = name.substr(equals + 1);
-            name.resize(equals);
-            hasValue = true;
-        }
+        CommandLineOption option = splitCommandLineOption(args[i]);
+        const std::string& name = option.name;
         if (name == "--help" || name == "-h") {
             options.help = true;
             return true;
@@ -187,7 +182,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
             options.version = true;
             return true;
         }
-        if (name == "--json" && !hasValue) {
+        if (name == "--json" && !option.hasValue) {
             options.json = true;
             continue;
         }
@@ -195,13 +190,9 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
             error = "unknown option " + args[i];
             return false;
         }
-        if (!hasValue) {
-            if (i + 1 == args.size()) {
-                error = name + " needs a value";
-                return false;
-            }
-            value = args[++i];
-        }
+        if (!takeCommandLineValue(option, args, i, error))
+            return false;
+        const std::string& value = option.value;
         if (name == "--port") {
             if (!parsePort(value, options.port)) {
                 error = "not a port number: " + value;

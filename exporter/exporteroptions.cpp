@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "commandlineoption.h"
+
 namespace {
 
 bool parsePort(const std::string& text, int& port)
@@ -60,24 +62,17 @@ std::string ExporterOptions::serverAddress() const
 bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions& options, std::string& error)
 {
     for (std::size_t i = 0; i < args.size(); ++i) {
-        std::string name = args[i];
-        std::string value;
-        bool hasValue = false;
-        const std::size_t equals = name.find('=');
-        if (name.rfind("--", 0) == 0 && equals != std::string::npos) {
-            value = name.substr(equals + 1);
-            name.resize(equals);
-            hasValue = true;
-        }
-        if ((name == "--help" || name == "-h") && !hasValue) {
+        CommandLineOption option = splitCommandLineOption(args[i]);
+        const std::string& name = option.name;
+        if ((name == "--help" || name == "-h") && !option.hasValue) {
             options.help = true;
             return true;
         }
-        if (name == "--version" && !hasValue) {
+        if (name == "--version" && !option.hasValue) {
             options.version = true;
             return true;
         }
-        if (name == "--all-batches" && !hasValue) {
+        if (name == "--all-batches" && !option.hasValue) {
             options.allBatches = true;
             continue;
         }
@@ -85,13 +80,9 @@ bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions&
             error = "unknown argument " + args[i];
             return false;
         }
-        if (!hasValue) {
-            if (i + 1 == args.size()) {
-                error = name + " needs a value";
-                return false;
-            }
-            value = args[++i];
-        }
+        if (!takeCommandLineValue(option, args, i, error))
+            return false;
+        const std::string& value = option.value;
         if (name == "--server") {
             if (!parseServer(value)) {
                 error = "not a HOST or HOST:PORT: " + value;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "commandlineoption.h"
+
 namespace {
 
 bool toUnsigned(const std::string& text, unsigned long long max, unsigned long long& out)
@@ -29,15 +31,8 @@ bool toReal(const std::string& text, double& out)
 bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, std::string& error)
 {
     for (std::size_t i = 0; i < args.size(); ++i) {
-        std::string name = args[i];
-        std::string value;
-        bool hasValue = false;
-        const std::size_t equals = name.find('=');
-        if (name.rfind("--", 0) == 0 && equals != std::string::npos) {
-            value = name.substr(equals + 1);
-            name.resize(equals);
-            hasValue = true;
-        }
+        CommandLineOption option = splitCommandLineOption(args[i]);
+        const std::string& name = option.name;
         if (name == "--help" || name == "-h") {
             options.help = true;
             continue;
@@ -56,13 +51,9 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
             error = "unknown option " + args[i];
             return false;
         }
-        if (!hasValue) {
-            if (i + 1 == args.size()) {
-                error = name + " needs a value";
-                return false;
-            }
-            value = args[++i];
-        }
+        if (!takeCommandLineValue(option, args, i, error))
+            return false;
+        const std::string& value = option.value;
 
         unsigned long long number = 0;
         double real = 0.0;
