@@ -6,6 +6,7 @@
 #   bash scripts/prometheus-graph.sh [OUTPUT.png] [SECONDS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 out=$(realpath -m "${1:-docs/prometheus-graph.png}")
 seconds=${2:-120}
 
@@ -27,28 +28,22 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# The port from a program's first line, "listening on ADDR:PORT".
-first_port() {
-    for _ in $(seq 100); do
-        if [[ -s "$1" ]]; then
-            sed -n '1s/.*:\([0-9]*\)$/\1/p' "$1"
-            return
-        fi
-        sleep 0.1
-    done
-    echo "prometheus-graph: $1 stayed empty" >&2
-    exit 1
+# The port of a program's "listening on ADDR:PORT" line.
+listening_port() {
+    local address
+    address=$(listening_address "$1") || { echo "prometheus-graph: nothing listens, see $1" >&2; exit 1; }
+    echo "${address##*:}"
 }
 
 # A farm that moves: nodes fail and recover, batches start and finish.
 build/bin/korvane-sim --listen 127.0.0.1:0 --seed 1 --nodes 40 --batches 400 --speed 30 \
     --failure-rate 30 >"$work/sim.out" 2>/dev/null &
 pids+=($!)
-sim_port=$(first_port "$work/sim.out")
+sim_port=$(listening_port "$work/sim.out")
 build/bin/korvane-exporter --server "127.0.0.1:$sim_port" --listen 127.0.0.1:0 \
     >"$work/exporter.out" 2>"$work/exporter.err" &
 pids+=($!)
-exporter_port=$(first_port "$work/exporter.out")
+exporter_port=$(listening_port "$work/exporter.out")
 
 # The first loopback port from 19090 on that nobody answers.
 prometheus_port=19090

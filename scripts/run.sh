@@ -6,6 +6,7 @@
 #   scripts/run.sh [extra korvane-sim options]
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 
 bash scripts/setup.sh
 bash scripts/build.sh build
@@ -22,15 +23,7 @@ cleanup() {
 }
 trap cleanup EXIT
 
-for _ in $(seq 100); do
-    address=$(sed -n 's/^listening on //p' "$sim_log" | head -1)
-    [[ -n "$address" ]] && break
-    sleep 0.1
-done
-if [[ -z "${address:-}" ]]; then
-    echo "run: the simulator did not start" >&2
-    exit 1
-fi
+address=$(listening_address "$sim_log") || { echo "run: the simulator did not start" >&2; exit 1; }
 echo "simulator listening on $address"
 
 if [[ -n "${DISPLAY:-}" ]]; then
@@ -39,17 +32,10 @@ if [[ -n "${DISPLAY:-}" ]]; then
 fi
 
 shot=${KORVANE_SCREENSHOT:-$PWD/build/screenshot.png}
-display=:$((90 + RANDOM % 100))
-Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb=$!
-for _ in $(seq 50); do
-    DISPLAY=$display xdpyinfo >/dev/null 2>&1 && break || sleep 0.1
-done
+start_xvfb
 
 DISPLAY=$display "$bin/korvane-monitor" --connect "$address" >/dev/null &
 monitor=$!
 sleep 4
-# the program's own window when it can be found, else the whole screen
-window=$(DISPLAY=$display xwininfo -name "Korvane Network Monitor" 2>/dev/null | awk '/Window id:/ {print $4}')
-DISPLAY=$display import -window "${window:-root}" "$shot"
+screenshot_monitor "$display" "$shot"
 echo "screenshot: $shot"

@@ -4,6 +4,7 @@
 #   scripts/screenshot-languages.sh [code...]   (default: ru fr es ja zh_CN)
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 
 bin=$PWD/build/bin
 languages=("$@")
@@ -21,22 +22,9 @@ trap cleanup EXIT
 
 "$bin/korvane-sim" --listen 127.0.0.1:0 --seed 1 >"$work/sim.log" &
 sim=$!
-for _ in $(seq 100); do
-    address=$(sed -n 's/^listening on //p' "$work/sim.log" | head -1)
-    [[ -n "$address" ]] && break
-    sleep 0.1
-done
-if [[ -z "${address:-}" ]]; then
-    echo "screenshot-languages: the simulator did not start" >&2
-    exit 1
-fi
-
-display=:$((90 + RANDOM % 100))
-Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
-xvfb=$!
-for _ in $(seq 50); do
-    DISPLAY=$display xdpyinfo >/dev/null 2>&1 && break || sleep 0.1
-done
+address=$(listening_address "$work/sim.log") ||
+    { echo "screenshot-languages: the simulator did not start" >&2; exit 1; }
+start_xvfb
 
 for code in "${languages[@]}"; do
     config=$work/config-$code
@@ -52,9 +40,8 @@ for code in "${languages[@]}"; do
     DISPLAY=$display XDG_CONFIG_HOME=$config LANG=$locale "$bin/korvane-monitor" --connect "$address" >/dev/null &
     monitor=$!
     sleep 4
-    window=$(DISPLAY=$display xwininfo -name "Korvane Network Monitor" 2>/dev/null | awk '/Window id:/ {print $4}')
     shot=$PWD/docs/main-window-$code.png
-    DISPLAY=$display import -window "${window:-root}" "$shot"
+    screenshot_monitor "$display" "$shot"
     kill $monitor
     wait $monitor 2>/dev/null || true
     monitor=
