@@ -51,7 +51,7 @@ void startMonitor(QProcess& process, const QTemporaryDir& config, const QStringL
     process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
 }
 
-// What the probe style reports from inside a monitor started with this
+// What the probe reports from inside a monitor started with this
 // "main/language" (no key when null) and these extra environment variables.
 QString probeStartUp(const QString& language, const QProcessEnvironment& extra = {})
 {
@@ -63,7 +63,8 @@ QString probeStartUp(const QString& language, const QProcessEnvironment& extra =
     }
     QProcessEnvironment environment = extra;
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KORVANE_PROBE_PLUGINS));
-    environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("korvaneprobe"));
+    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("korvaneprobe"));
+    environment.insert(QStringLiteral("KORVANE_PROBE"), QStringLiteral("startup"));
     QProcess process;
     startMonitor(process, config, {}, environment);
     if (!process.waitForFinished(30000)) {

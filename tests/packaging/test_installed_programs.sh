@@ -27,8 +27,8 @@ expect_equal "the exporter's service starts the packaged program with the defaul
 ExecStart=/usr/bin/korvane-exporter \$ARGS" \
     "$(grep -E '^(EnvironmentFile|ExecStart)=' "$root/usr/lib/systemd/system/korvane-exporter.service")"
 
-# The probe prints the window's texts once it shows (see windowprobe.cpp).
-export QT_QPA_PLATFORM=offscreen QT_PLUGIN_PATH=$2 QT_QPA_GENERIC_PLUGINS=windowprobe
+# The probe prints the window's texts once it shows (see tests/probe/korvaneprobeplugin.h).
+export QT_QPA_PLATFORM=offscreen QT_PLUGIN_PATH=$2 QT_QPA_GENERIC_PLUGINS=korvaneprobe
 program_dir=$root/usr/lib/korvane-monitor
 
 printf '[main]\nlanguage=de\n' >"$XDG_CONFIG_HOME/Korvane/Monitor.conf"
