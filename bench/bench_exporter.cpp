@@ -81,12 +81,12 @@ Scrape scrape(httplib::Client& client, bool gzip)
 void ownPart(int simPort)
 {
     std::ostringstream log;
-    FarmReader reader("127.0.0.1:" + std::to_string(simPort), 30, log);
+    FarmReader reader("127.0.0.1:" + std::to_string(simPort), log);
     FarmSnapshot farm;
     // The client library's console lines (a line per skipped parameter object) off the figures.
     std::streambuf* console = std::cout.rdbuf(nullptr);
     const auto readStart = Clock::now();
-    reader.read(farm);
+    reader.read(farm, readStart + std::chrono::seconds(30));
     const double readMs = millisecondsSince(readStart);
     std::cout.rdbuf(console);
     if (!farm.up) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <iostream>
 #include <locale>
 #include <netdb.h>
@@ -14,18 +15,19 @@
 #include <sstream>
 #include <string_view>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include "hostlookup.h"
 #include "paramjson.h"
 #include "wideconsolebuffer.h"
 
 namespace {
 
 constexpr std::size_t ReadBlock = 4096;
-constexpr int KeepAliveIdleSeconds = 60;
 
 // Set up before main() runs, so that whatever later swaps std::wcout's buffer
 // and puts it back puts back this one.
@@ -50,6 +52,8 @@ bool ControlClient::connect(const std::string& address, int port)
 {
     if (m_socket != -1)
         disconnect();
+    m_failure = Failure::None;
+    m_lookupError = 0;
 
     std::string host = address;
     const std::string::size_type colon = host.find(':');
@@ -63,47 +67,90 @@ bool ControlClient::connect(const std::string& address, int port)
     portText << port;
     const std::string service = portText.str();
 
-    addrinfo hints {};
-    hints.ai_family = AF_UNSPEC;
-    hints.ai_socktype = SOCK_STREAM;
-    hints.ai_protocol = IPPROTO_TCP;
-    addrinfo* addresses = nullptr;
-    const int resolved = ::getaddrinfo(host.c_str(), service.c_str(), &hints, &addresses);
-    if (resolved != 0) {
-        // The wide stream, as ever; its buffer (above) keeps stdout narrow.
-        std::wcout << ::gai_strerror(resolved) << std::endl;
-        return false;
-    }
-
-    for (const addrinfo* entry = addresses; entry; entry = entry->ai_next) {
-        const int fd = ::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC, entry->ai_protocol);
-        if (fd == -1)
-            continue;
-        if (::connect(fd, entry->ai_addr, entry->ai_addrlen) != 0) {
-            ::close(fd);
-            m_socket = -1;
-            continue;
-        }
-        m_socket = fd;
-
-        std::cout << "connected to " << peerText(entry->ai_addr, entry->ai_addrlen, address, service)
-                  << std::endl;
+    HostLookup lookup;
+    switch (lookup.run(host, service, m_deadline, m_interrupt)) {
+    case HostLookup::Found:
         break;
-    }
-    ::freeaddrinfo(addresses);
-
-    if (m_socket == -1) {
+    case HostLookup::Failed:
+        m_failure = Failure::CannotResolve;
+        m_lookupError = lookup.errorCode();
+        // The wide stream, as ever; its buffer (above) keeps stdout narrow.
+        std::wcout << ::gai_strerror(lookup.errorCode()) << std::endl;
+        return false;
+    case HostLookup::TimedOut:
+    case HostLookup::Interrupted:
+        m_failure = m_interrupt.isRaised() ? Failure::Interrupted : Failure::ConnectTimedOut;
         std::cout << "can't connect to " << address << ":" << service << std::endl;
         return false;
     }
 
+    for (const addrinfo* entry = lookup.addresses(); entry; entry = entry->ai_next) {
+        const int fd = connectOne(entry);
+        if (fd == -1) {
+            if (m_failure == Failure::CannotConnect)
+                continue;
+            break; // out of time, or interrupted: the other addresses wait the same
+        }
+        m_socket = fd;
+        std::cout << "connected to " << peerText(entry->ai_addr, entry->ai_addrlen, address, service)
+                  << std::endl;
+        break;
+    }
+
+    if (m_socket == -1) {
+        if (m_failure == Failure::None)
+            m_failure = Failure::CannotConnect;
+        std::cout << "can't connect to " << address << ":" << service << std::endl;
+        return false;
+    }
+    m_failure = Failure::None;
+
+    // Results ignored: a system without one of these still connects.
     const int on = 1;
     ::setsockopt(m_socket, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof(on));
     ::setsockopt(m_socket, IPPROTO_TCP, TCP_KEEPIDLE, &KeepAliveIdleSeconds, sizeof(KeepAliveIdleSeconds));
+    ::setsockopt(
+        m_socket, IPPROTO_TCP, TCP_KEEPINTVL, &KeepAliveIntervalSeconds, sizeof(KeepAliveIntervalSeconds));
+    ::setsockopt(m_socket, IPPROTO_TCP, TCP_KEEPCNT, &KeepAliveProbes, sizeof(KeepAliveProbes));
+    ::setsockopt(m_socket, IPPROTO_TCP, TCP_USER_TIMEOUT, &UserTimeoutMs, sizeof(UserTimeoutMs));
 
     m_peerName = host + ":" + service;
     m_receiveBuffer.clear();
     return true;
+}
+
+int ControlClient::connectOne(const addrinfo* entry)
+{
+    m_failure = Failure::CannotConnect;
+    const int fd
+        = ::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, entry->ai_protocol);
+    if (fd == -1)
+        return -1;
+    // Non-blocking, so that the wait for the handshake can end at the
+    // deadline or an interruption; without either it waits as long as the
+    // system tries.
+    if (::connect(fd, entry->ai_addr, entry->ai_addrlen) != 0) {
+        if (errno != EINPROGRESS) {
+            ::close(fd);
+            return -1;
+        }
+        const WaitResult waited = waitForDescriptor(fd, POLLOUT, m_deadline, m_interrupt);
+        int error = 0;
+        socklen_t length = sizeof error;
+        if (waited != WaitResult::Ready || ::getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) != 0
+            || error != 0) {
+            ::close(fd);
+            if (waited == WaitResult::TimedOut)
+                m_failure = Failure::ConnectTimedOut;
+            else if (waited == WaitResult::Interrupted)
+                m_failure = Failure::Interrupted;
+            return -1;
+        }
+    }
+    // Reading and writing block, as ever; the deadline is kept by waiting first.
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    m_failure = Failure::None;
+    return fd;
 }
 
 std::string ControlClient::peerText(
@@ -139,9 +186,24 @@ bool ControlClient::send(const Json::Value& message)
     Json::FastWriter writer;
     const std::string text = writer.write(message);
 
+    // Under a deadline a server that reads nothing may not hold the send.
+    if (m_deadline) {
+        const auto left
+            = std::chrono::duration_cast<std::chrono::microseconds>(*m_deadline - SteadyClock::now());
+        const long long micros = std::max<long long>(left.count(), 1000);
+        const timeval limit {
+            static_cast<time_t>(micros / 1000000), static_cast<suseconds_t>(micros % 1000000)};
+        ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    }
     // One send for the whole line; a short write counts as a lost connection.
     // MSG_NOSIGNAL: a vanished server must not raise SIGPIPE.
     const ssize_t sent = ::send(m_socket, text.data(), text.size(), MSG_NOSIGNAL);
+    // A send cut short by the time limit: the server took too little in time.
+    m_sendTimedOut = m_deadline && (sent < 0 ? errno == EAGAIN || errno == EWOULDBLOCK : true);
+    if (m_deadline) {
+        const timeval none {};
+        ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &none, sizeof none);
+    }
     if (sent < 0 || static_cast<std::size_t>(sent) != text.size()) {
         disconnect();
         return false;
@@ -165,10 +227,10 @@ Json::Value ControlClient::receive(int timeoutMs)
         if (::poll(&descriptor, 1, timeoutMs) < 1)
             return {};
     }
-    return nextMessage(nullptr);
+    return nextMessage(false);
 }
 
-Json::Value ControlClient::nextMessage(const Deadline* deadline)
+Json::Value ControlClient::nextMessage(bool bounded)
 {
     std::size_t searched = 0;
     for (;;) {
@@ -179,9 +241,17 @@ Json::Value ControlClient::nextMessage(const Deadline* deadline)
         if (!found) {
             // Only the bytes of the new read are searched next time round.
             searched = available;
-            if (deadline && !readableBefore(*deadline)) {
-                m_timedOut = true;
-                return {};
+            if (bounded) {
+                const WaitResult waited = waitForDescriptor(m_socket, POLLIN, m_deadline, m_interrupt);
+                if (waited == WaitResult::Interrupted) {
+                    m_failure = Failure::Interrupted;
+                    return {};
+                }
+                if (waited == WaitResult::TimedOut) {
+                    // Bytes of an unfinished line: the reply has begun.
+                    m_failure = available > 0 ? Failure::ReplyTooSlow : Failure::NoReply;
+                    return {};
+                }
             }
             char* space = m_receiveBuffer.reserve(ReadBlock);
             const ssize_t received = ::recv(m_socket, space, ReadBlock, 0);
@@ -216,23 +286,6 @@ Json::Value ControlClient::nextMessage(const Deadline* deadline)
     }
 }
 
-bool ControlClient::readableBefore(const Deadline& deadline) const
-{
-    for (;;) {
-        const auto left
-            = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Deadline::clock::now())
-                  .count();
-        if (left <= 0)
-            return false;
-        pollfd descriptor {m_socket, POLLIN, 0};
-        const int ready = ::poll(&descriptor, 1, static_cast<int>(std::min<long long>(left, 1 << 30)));
-        if (ready > 0)
-            return true;
-        if (ready < 0 && errno != EINTR)
-            return true; // let recv() report the failure
-    }
-}
-
 Json::Value ControlClient::request(const char* method, Json::Value params, bool withParams)
 {
     Json::Value envelope(Json::objectValue);
@@ -243,22 +296,27 @@ Json::Value ControlClient::request(const char* method, Json::Value params, bool 
     // Wraps as a signed 32-bit counter, without the overflow.
     m_nextId = static_cast<int>(static_cast<unsigned>(m_nextId) + 1u);
 
-    send(envelope);
-    m_timedOutRequest.clear();
+    m_failure = Failure::None;
+    m_failedRequest.clear();
+    const bool wasConnected = m_socket != -1;
+    m_sendTimedOut = false;
+    const bool sent = send(envelope);
     Json::Value reply;
-    if (m_requestTimeoutMs < 0) {
+    if (!m_deadline) {
         reply = receive(-1);
-    } else {
-        const Deadline deadline = Deadline::clock::now() + std::chrono::milliseconds(m_requestTimeoutMs);
-        m_timedOut = false;
-        reply = m_socket == -1 ? Json::Value() : nextMessage(&deadline);
-        if (m_timedOut) {
+    } else if (sent) {
+        reply = nextMessage(true);
+        if (m_failure != Failure::None) {
             // A reply that comes later would be taken for the next request's.
-            m_timedOutRequest = method;
             disconnect();
-            return {};
         }
+    } else if (wasConnected && m_sendTimedOut) {
+        m_failure = Failure::NoReply;
     }
+    if (m_failure == Failure::None && m_socket == -1)
+        m_failure = Failure::ConnectionLost;
+    if (m_failure != Failure::None)
+        m_failedRequest = method;
     if (reply.empty())
         return {};
     return std::move(reply["result"]);

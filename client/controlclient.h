@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <netdb.h>
 #include <set>
 #include <string>
 #include <sys/socket.h>
@@ -10,8 +11,10 @@
 
 #include <json/value.h>
 
+#include "interruptevent.h"
 #include "paramvalue.h"
 #include "receivebuffer.h"
+#include "socketwait.h"
 
 // Client side of the server's control protocol: one TCP connection, one
 // compact JSON object per line in each direction, strictly one request and
@@ -21,11 +24,39 @@
 // of the wrong type, which pass through untouched.
 //
 // Console lines (connect, disconnect, parse errors) go to std::cout, the text
-// of a failed name lookup to std::wcout. Not thread-safe: one thread owns it.
+// of a failed name lookup to std::wcout. Not thread-safe: one thread owns it,
+// except for interrupt().
+//
+// Every connection asks the system to notice a dead link: keep-alive probes
+// after a minute of quiet, and a request whose bytes stay unacknowledged for
+// UserTimeoutMs ends the connection as lost. A server that is alive but
+// silent is still waited for without limit, unless the owner sets a deadline.
 class ControlClient final
 {
 public:
     static constexpr std::uint32_t NoId = 0xFFFFFFFFu;
+
+    // Keep-alive: idle time before the first probe, the time between probes
+    // and how many go unanswered before the link counts as dead.
+    static constexpr int KeepAliveIdleSeconds = 60;
+    static constexpr int KeepAliveIntervalSeconds = 10;
+    static constexpr int KeepAliveProbes = 3;
+    // Longest time sent bytes may stay unacknowledged (TCP_USER_TIMEOUT).
+    static constexpr unsigned UserTimeoutMs = 30000;
+
+    // Why the last connect() or request did not get through. A request the
+    // server answered without a result is refused, not failed: None.
+    enum class Failure
+    {
+        None,
+        CannotResolve, // the name lookup failed (lookupError())
+        CannotConnect, // no address took the connection
+        ConnectTimedOut, // the deadline came during the lookup or the connect
+        NoReply, // the deadline came before any byte of the reply
+        ReplyTooSlow, // the deadline came while the reply was arriving
+        ConnectionLost, // the server closed, or the link failed
+        Interrupted, // interrupt()
+    };
 
     enum Status
     {
@@ -134,13 +165,26 @@ public:
     // bytes; once reading has begun it blocks until the line is complete.
     Json::Value receive(int timeoutMs);
 
-    // How long a request waits for a usable reply, in milliseconds; -1 (the
-    // default, as the monitor has it) waits without limit. When the time is
-    // up the request fails and the connection is closed, so that a late
-    // reply cannot pass for the next one.
-    void setRequestTimeout(int timeoutMs) { m_requestTimeoutMs = timeoutMs; }
-    // The method of the last request if it ran out of time, else empty.
-    const std::string& timedOutRequest() const { return m_timedOutRequest; }
+    // One point in time that bounds connect() and every request from now
+    // on: the name lookup, the connect to each address in turn, the send and
+    // the whole reply. A request that reaches it fails and closes the
+    // connection, so that a late reply cannot pass for the next one. Without
+    // a deadline (the default, as the monitor has it) every wait is without limit.
+    void setDeadline(SteadyClock::time_point deadline) { m_deadline = deadline; }
+    void clearDeadline() { m_deadline.reset(); }
+    const Deadline& deadline() const { return m_deadline; }
+
+    // Ends a name lookup or a connect in progress, and the waits of a request
+    // under a deadline; every later connect() and such request fails at once
+    // until clearInterrupt(). Callable from any thread and from a signal handler.
+    void interrupt() { m_interrupt.raise(); }
+    void clearInterrupt() { m_interrupt.clear(); }
+
+    Failure failure() const { return m_failure; }
+    // The method of the last request that failed (failure() not None), else empty.
+    const std::string& failedRequest() const { return m_failedRequest; }
+    // getaddrinfo's code after CannotResolve.
+    int lookupError() const { return m_lookupError; }
 
     // Echoes every message sent and received on standard output, each line
     // opened by "[-> " or "[<- ", the peer and "] ". Off unless switched on.
@@ -178,14 +222,16 @@ public:
     static void parseBatchList(const Json::Value& array, BatchList& out);
     static void parseNodeList(const Json::Value& array, NodeList& out);
 
-private:
-    using Deadline = std::chrono::steady_clock::time_point;
-
+    // One request: its "result" member, or null on failure. For callers
+    // that read the result themselves.
     Json::Value request(const char* method, Json::Value params, bool withParams);
-    // Reads lines until one parses. With a deadline every wait for bytes ends
-    // there: null then, and m_timedOut set.
-    Json::Value nextMessage(const Deadline* deadline);
-    bool readableBefore(const Deadline& deadline) const;
+
+private:
+    // The connected socket, or -1 with m_failure set.
+    int connectOne(const addrinfo* entry);
+    // Reads lines until one parses. Under a deadline every wait for bytes
+    // ends there or at an interruption: null then, with m_failure set.
+    Json::Value nextMessage(bool bounded);
     bool simpleRequest(const char* method, const char* idKey, std::uint32_t id);
 
     int m_socket = -1;
@@ -194,7 +240,10 @@ private:
     bool m_logTraffic = false;
     ReceiveBuffer m_receiveBuffer;
     int m_nextId = 0;
-    int m_requestTimeoutMs = -1;
-    bool m_timedOut = false;
-    std::string m_timedOutRequest;
+    Deadline m_deadline;
+    InterruptEvent m_interrupt;
+    Failure m_failure = Failure::None;
+    std::string m_failedRequest;
+    int m_lookupError = 0;
+    bool m_sendTimedOut = false;
 };

@@ -265,13 +265,14 @@ Options:
   --host HOST[:PORT]  server address (default 127.0.0.1); a port given here
                       overrides --port
   --port N            server port (default 5840)
-  --timeout SECONDS   longest wait for a usable reply to each request
-                      (default 10; 0 waits without limit)
+  --timeout SECONDS   longest time for the whole command, name lookup and
+                      connect included; for watch, for the connect and for
+                      each round (default 10; 0 waits without limit)
   --json              print records as JSON with the protocol's keys
   -h, --help          show this text and exit
   --version           show the version and exit
 
 Exit codes: 0 done; 1 the server refused a request; 2 usage error; 3 cannot
-connect, the connection was lost, or no usable reply came in time.
+resolve or connect, the connection was lost, or no usable reply came in time.
 )";
 }

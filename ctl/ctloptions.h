@@ -29,8 +29,9 @@ struct CtlOptions
     // overrides the port, as in the monitor's address field.
     std::string host = "127.0.0.1";
     int port = 5840;
-    // Longest wait for a usable reply to each request, in milliseconds; -1
-    // waits without limit (--timeout 0).
+    // Longest time for the whole command, lookup and connect included, in
+    // milliseconds (for watch: the connect and each round); -1 waits without
+    // limit (--timeout 0).
     int timeoutMs = 10000;
     bool json = false;
     bool help = false;

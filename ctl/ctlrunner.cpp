@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <iostream>
+#include <netdb.h>
 #include <streambuf>
 #include <thread>
 
@@ -109,11 +110,11 @@ int CtlRunner::run(const std::vector<std::string>& args)
 
     ConsoleSilence silence;
     ControlClient client;
-    client.setRequestTimeout(options.timeoutMs);
-    if (!client.init() || !client.connect(options.host, options.port)) {
-        m_err << Prefix << "cannot connect to " << options.address() << std::endl;
-        return ExitConnection;
-    }
+    // The time limit holds for the whole command, name lookup and connect included.
+    startClock(client, options);
+    const ActiveClient active(m_client, client);
+    if (!client.init() || !client.connect(options.host, options.port))
+        return cannotConnect(client, options);
     try {
         return execute(client, options);
     } catch (const std::exception& exception) {
@@ -123,16 +124,52 @@ int CtlRunner::run(const std::vector<std::string>& args)
     }
 }
 
+void CtlRunner::interrupt()
+{
+    if (ControlClient* client = m_client.load())
+        client->interrupt();
+}
+
+void CtlRunner::startClock(ControlClient& client, const CtlOptions& options)
+{
+    if (options.timeoutMs > 0)
+        client.setDeadline(SteadyClock::now() + std::chrono::milliseconds(options.timeoutMs));
+}
+
+int CtlRunner::cannotConnect(const ControlClient& client, const CtlOptions& options)
+{
+    switch (client.failure()) {
+    case ControlClient::Failure::CannotResolve:
+        m_err << Prefix << "cannot resolve " << options.address() << ": "
+              << ::gai_strerror(client.lookupError()) << std::endl;
+        break;
+    case ControlClient::Failure::ConnectTimedOut:
+        m_err << Prefix << options.address() << ": could not connect within " << seconds(options.timeoutMs)
+              << std::endl;
+        break;
+    default:
+        m_err << Prefix << "cannot connect to " << options.address() << std::endl;
+        break;
+    }
+    return ExitConnection;
+}
+
 int CtlRunner::failed(const ControlClient& client, const CtlOptions& options, const std::string& what)
 {
     if (stopped())
         return ExitDone;
-    if (!client.timedOutRequest().empty()) {
-        m_err << Prefix << "no usable reply from " << options.address() << " to " << client.timedOutRequest()
-              << " within " << seconds(options.timeoutMs) << std::endl;
+    const std::string request = client.failedRequest() + " to " + options.address() + ": ";
+    switch (client.failure()) {
+    case ControlClient::Failure::NoReply:
+        m_err << Prefix << request << "no reply within " << seconds(options.timeoutMs) << std::endl;
         return ExitConnection;
-    }
-    if (!client.isConnected()) {
+    case ControlClient::Failure::ReplyTooSlow:
+        m_err << Prefix << request << "the reply was still arriving after " << seconds(options.timeoutMs)
+              << " (slow link?)" << std::endl;
+        return ExitConnection;
+    case ControlClient::Failure::None:
+        break;
+    default:
         m_err << Prefix << "connection to " << options.address() << " lost" << std::endl;
         return ExitConnection;
     }
@@ -273,6 +310,8 @@ int CtlRunner::watch(ControlClient& client, const CtlOptions& options)
                 std::this_thread::sleep_for(std::chrono::milliseconds(std::min(m_watchIntervalMs, 50)));
             if (stopped())
                 break;
+            // Each round has the whole time limit of its own.
+            startClock(client, options);
         }
         ControlClient::BatchList batches;
         ControlClient::NodeList nodes;

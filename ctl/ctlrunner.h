@@ -36,8 +36,29 @@ public:
     void setStopFlag(const std::atomic<bool>* stop) { m_stop = stop; }
     // Clear the terminal before each round of watch.
     void setClearScreen(bool clear) { m_clearScreen = clear; }
+    // Cuts the connect or request under way short; for a signal handler.
+    void interrupt();
 
 private:
+    // Points m_client at a client for as long as it lives.
+    class ActiveClient final
+    {
+    public:
+        ActiveClient(std::atomic<ControlClient*>& slot, ControlClient& client)
+            : m_slot(slot)
+        {
+            m_slot = &client;
+        }
+        ~ActiveClient() { m_slot = nullptr; }
+        ActiveClient(const ActiveClient&) = delete;
+        ActiveClient& operator=(const ActiveClient&) = delete;
+
+    private:
+        std::atomic<ControlClient*>& m_slot;
+    };
+
+    void startClock(ControlClient& client, const CtlOptions& options);
+    int cannotConnect(const ControlClient& client, const CtlOptions& options);
     int execute(ControlClient& client, const CtlOptions& options);
     int eachId(ControlClient& client, const CtlOptions& options, const char* verb, const char* what,
         bool (ControlClient::*request)(std::uint32_t));
@@ -54,4 +75,5 @@ private:
     const std::atomic<bool>* m_stop = nullptr;
     bool m_clearScreen = false;
     std::vector<ControlClient::TaskRequest> m_tasks;
+    std::atomic<ControlClient*> m_client {nullptr};
 };

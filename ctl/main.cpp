@@ -11,10 +11,13 @@
 namespace {
 
 std::atomic<bool> interrupted {false};
+CtlRunner* runnerToInterrupt = nullptr;
 
 void onInterrupt(int)
 {
     interrupted = true;
+    if (runnerToInterrupt)
+        runnerToInterrupt->interrupt();
 }
 
 } // namespace
@@ -30,6 +33,7 @@ int main(int argc, char** argv)
     CtlRunner runner(out, std::cerr);
     runner.setClearScreen(::isatty(STDOUT_FILENO) == 1);
     runner.setStopFlag(&interrupted);
+    runnerToInterrupt = &runner;
 
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action

@@ -1,11 +1,13 @@
 #include "exporter.h"
 
+#include <algorithm>
+
 #include "gzip.h"
 #include "metricstext.h"
 
 Exporter::Exporter(const Settings& settings, std::ostream& log)
     : m_settings(settings)
-    , m_reader(settings.server, settings.serverTimeoutSeconds, log)
+    , m_reader(settings.server, log)
     , m_thread([this] { run(); })
 {
 }
@@ -15,21 +17,42 @@ Exporter::~Exporter()
     stop();
 }
 
-std::shared_ptr<const MetricsPage> Exporter::page()
+std::shared_ptr<const MetricsPage> Exporter::page(std::optional<std::chrono::milliseconds> scrapeTimeout)
 {
+    const auto asked = MetricsPage::Clock::now();
+    std::chrono::milliseconds budget = std::chrono::seconds(m_settings.serverTimeoutSeconds);
+    if (scrapeTimeout)
+        budget = std::max(std::chrono::milliseconds(0), std::min(budget, *scrapeTimeout - ScrapeMargin));
+    const SteadyClock::time_point deadline = asked + budget;
+
     std::unique_lock<std::mutex> lock(m_mutex);
     if (m_stopping)
         return nullptr;
-    if (m_page && MetricsPage::Clock::now() - m_page->made() < m_settings.reuseFor)
+    if (m_page && asked - m_page->made() < m_settings.reuseFor)
         return m_page;
     // A reading under way started after the last page went stale: its page will do.
     if (!m_reading) {
         m_wanted = true;
+        m_readingDeadline = deadline;
         m_wake.notify_one();
     }
     const std::uint64_t seen = m_readings;
-    m_ready.wait(lock, [&] { return m_readings != seen || m_stopping; });
+    if (!m_ready.wait_until(lock, deadline + PageGrace, [&] { return m_readings != seen || m_stopping; })) {
+        lock.unlock();
+        return downPage(asked);
+    }
     return m_stopping ? nullptr : m_page;
+}
+
+std::shared_ptr<const MetricsPage> Exporter::downPage(MetricsPage::Clock::time_point asked) const
+{
+    FarmSnapshot down;
+    std::string text;
+    writeFarmMetrics(down, m_settings.allBatches, text);
+    const auto now = MetricsPage::Clock::now();
+    writeScrapeDuration(std::chrono::duration<double>(now - asked).count(), text);
+    std::string gzipped = gzipCompress(text);
+    return std::make_shared<const MetricsPage>(std::move(text), std::move(gzipped), now);
 }
 
 void Exporter::stop()
@@ -54,6 +77,7 @@ std::uint64_t Exporter::readings() const
 void Exporter::run()
 {
     for (;;) {
+        SteadyClock::time_point deadline;
         {
             std::unique_lock<std::mutex> lock(m_mutex);
             m_wake.wait(lock, [this] { return m_wanted || m_stopping; });
@@ -61,10 +85,11 @@ void Exporter::run()
                 return;
             m_wanted = false;
             m_reading = true;
+            deadline = m_readingDeadline;
         }
 
         const auto start = MetricsPage::Clock::now();
-        m_reader.read(m_snapshot, start);
+        m_reader.read(m_snapshot, deadline, start);
         std::string text;
         text.reserve(m_lastSize + m_lastSize / 8);
         writeFarmMetrics(m_snapshot, m_settings.allBatches, text);

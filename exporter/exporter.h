@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -18,7 +19,14 @@
 // short-lived allocations of a reading always come from the same heap,
 // whichever HTTP thread asked.
 // A page younger than reuseFor is handed out again; scrapes that arrive
-// while a reading is under way wait for it and share it.
+// while a reading is under way wait for it and share it. Readings never
+// stack: there is one at a time.
+//
+// Every reading has one deadline, that of the scrape that asked for it: the
+// scraper's own time-out less a margin, at most the server time-out. A
+// scrape whose deadline comes before the page gets a page of its own that
+// says korvane_up 0, so that Prometheus sees the server down rather than a
+// failed scrape.
 class Exporter final
 {
 public:
@@ -30,13 +38,19 @@ public:
         std::chrono::milliseconds reuseFor {1000};
     };
 
+    // Taken from the scraper's time-out, for writing the page and sending it.
+    static constexpr std::chrono::milliseconds ScrapeMargin {500};
+    // How long past a reading's deadline a scrape waits for its page to be written.
+    static constexpr std::chrono::milliseconds PageGrace {250};
+
     Exporter(const Settings& settings, std::ostream& log);
     ~Exporter();
     Exporter(const Exporter&) = delete;
     Exporter& operator=(const Exporter&) = delete;
 
-    // The current page; null only once stop() was called.
-    std::shared_ptr<const MetricsPage> page();
+    // The current page; null only once stop() was called. scrapeTimeout:
+    // what the scraper said it waits (X-Prometheus-Scrape-Timeout-Seconds).
+    std::shared_ptr<const MetricsPage> page(std::optional<std::chrono::milliseconds> scrapeTimeout = {});
     // Ends the thread, cutting a request to the server short.
     void stop();
 
@@ -45,6 +59,8 @@ public:
 
 private:
     void run();
+    // korvane_up 0, for a scrape whose time ran out before the page came.
+    std::shared_ptr<const MetricsPage> downPage(MetricsPage::Clock::time_point asked) const;
 
     const Settings m_settings;
     FarmReader m_reader;
@@ -57,6 +73,7 @@ private:
     bool m_wanted = false;
     bool m_reading = false;
     bool m_stopping = false;
+    SteadyClock::time_point m_readingDeadline {};
     std::uint64_t m_readings = 0;
     std::shared_ptr<const MetricsPage> m_page;
     std::thread m_thread;

@@ -1,31 +1,38 @@
 #include "farmreader.h"
 
+#include <cstdio>
 #include <exception>
-#include <fcntl.h>
+#include <netdb.h>
 #include <ostream>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include "wrongmember.h"
 
-FarmReader::FarmReader(std::string server, int timeoutSeconds, std::ostream& log)
+namespace {
+
+// "4.5 s"
+std::string secondsText(SteadyClock::duration duration)
+{
+    const double seconds = std::chrono::duration<double>(duration).count();
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f s", seconds > 0.0 ? seconds : 0.0);
+    return text;
+}
+
+} // namespace
+
+FarmReader::FarmReader(std::string server, std::ostream& log)
     : m_server(std::move(server))
     , m_address(m_server.find(':') == std::string::npos ? m_server + ":5840" : m_server)
-    , m_timeoutSeconds(timeoutSeconds)
     , m_log(log)
 {
     m_client.init();
 }
 
-FarmReader::~FarmReader()
-{
-    dropConnection();
-}
-
-void FarmReader::read(FarmSnapshot& out, Backoff::Clock::time_point now)
+void FarmReader::read(FarmSnapshot& out, SteadyClock::time_point deadline, Backoff::Clock::time_point now)
 {
     out.up = false;
+    m_client.setDeadline(deadline);
+    m_budget = secondsText(deadline - SteadyClock::now());
     if (!m_client.isConnected() && !connect(now))
         return;
 
@@ -56,67 +63,56 @@ void FarmReader::read(FarmSnapshot& out, Backoff::Clock::time_point now)
     out.up = true;
 }
 
-void FarmReader::interrupt()
-{
-    std::lock_guard<std::mutex> lock(m_socketMutex);
-    if (m_socketCopy != -1)
-        ::shutdown(m_socketCopy, SHUT_RDWR);
-}
-
 bool FarmReader::connect(Backoff::Clock::time_point now)
 {
     if (!m_backoff.mayTry(now))
         return false;
-    if (!m_client.connect(m_server, 5840)) {
-        m_backoff.failed(now);
-        fail("cannot connect to " + m_address + "; next attempt in "
-            + std::to_string(m_backoff.delay().count()) + " s");
-        return false;
+    if (m_client.connect(m_server, 5840)) {
+        m_backoff.succeeded();
+        return true;
     }
-    m_backoff.succeeded();
-
-    // A server that goes quiet in the middle of a reply must not hold the scrape forever.
-    const int socket = m_client.socketDescriptor();
-    timeval limit {};
-    limit.tv_sec = m_timeoutSeconds;
-    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
-
-    std::lock_guard<std::mutex> lock(m_socketMutex);
-    m_socketCopy = ::fcntl(socket, F_DUPFD_CLOEXEC, 0);
-    return true;
-}
-
-void FarmReader::dropConnection()
-{
-    m_client.disconnect();
-    std::lock_guard<std::mutex> lock(m_socketMutex);
-    if (m_socketCopy != -1)
-        ::close(m_socketCopy);
-    m_socketCopy = -1;
+    if (m_client.failure() == ControlClient::Failure::Interrupted)
+        return false; // stopping: no wait, no word
+    m_backoff.failed(now);
+    const std::string next = "; next attempt in " + std::to_string(m_backoff.delay().count()) + " s";
+    switch (m_client.failure()) {
+    case ControlClient::Failure::CannotResolve:
+        fail("cannot resolve " + m_address + ": " + ::gai_strerror(m_client.lookupError()) + next);
+        break;
+    case ControlClient::Failure::ConnectTimedOut:
+        fail("could not connect to " + m_address + " within " + m_budget + next);
+        break;
+    default:
+        fail("cannot connect to " + m_address + next);
+        break;
+    }
+    return false;
 }
 
 Json::Value FarmReader::request(const char* method)
 {
-    // The envelope of the client library's own requests; the raw result is
-    // kept so that a member of the wrong type can be named.
-    Json::Value envelope(Json::objectValue);
-    envelope["method"] = method;
-    envelope["id"] = m_nextId;
-    m_nextId = static_cast<int>(static_cast<unsigned>(m_nextId) + 1u);
-
-    m_client.send(envelope);
-    Json::Value reply = m_client.receive(-1);
-    if (!m_client.isConnected()) {
-        fail("connection to " + m_address + " lost during " + method);
-        dropConnection();
-        return {};
-    }
-    if (!reply.isObject() || reply["result"].isNull()) {
+    // The raw result, so that a member of the wrong type can be named.
+    Json::Value result = m_client.request(method, {}, false);
+    if (!result.isNull())
+        return result;
+    switch (m_client.failure()) {
+    case ControlClient::Failure::None:
         fail(m_address + " answered " + method + " without a result");
-        return {};
+        break;
+    case ControlClient::Failure::NoReply:
+        fail("no reply from " + m_address + " to " + method + " within " + m_budget);
+        break;
+    case ControlClient::Failure::ReplyTooSlow:
+        fail("the reply from " + m_address + " to " + method + " was still arriving after " + m_budget
+            + " (slow link?)");
+        break;
+    case ControlClient::Failure::Interrupted:
+        break;
+    default:
+        fail("connection to " + m_address + " lost during " + method);
+        break;
     }
-    return std::move(reply["result"]);
+    return {};
 }
 
 void FarmReader::fail(const std::string& text)

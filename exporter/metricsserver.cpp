@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <httplib.h>
+#include <optional>
 #include <strings.h>
 #include <sys/socket.h>
 #include <system_error>
@@ -59,6 +61,19 @@ bool acceptsGzip(const httplib::Request& request)
     return false;
 }
 
+// X-Prometheus-Scrape-Timeout-Seconds: how long the scraper waits ("4.5").
+std::optional<std::chrono::milliseconds> scrapeTimeout(const httplib::Request& request)
+{
+    const std::string header = request.get_header_value("X-Prometheus-Scrape-Timeout-Seconds");
+    if (header.empty())
+        return std::nullopt;
+    char* end = nullptr;
+    const double seconds = std::strtod(header.c_str(), &end);
+    if (*end != '\0' || !(seconds > 0.0 && seconds < 86400.0))
+        return std::nullopt;
+    return std::chrono::milliseconds(static_cast<long long>(seconds * 1000.0));
+}
+
 } // namespace
 
 MetricsServer::MetricsServer(Exporter& exporter, std::string serverAddress)
@@ -102,7 +117,7 @@ void MetricsServer::stop()
 void MetricsServer::route()
 {
     m_server->Get("/metrics", [this](const httplib::Request& request, httplib::Response& response) {
-        std::shared_ptr<const MetricsPage> page = m_exporter.page();
+        std::shared_ptr<const MetricsPage> page = m_exporter.page(scrapeTimeout(request));
         if (!page) {
             response.status = 503;
             response.set_content("The exporter is stopping.\n", "text/plain; charset=utf-8");

@@ -417,17 +417,19 @@ TEST_F(ControlClientRequests, ByDefaultARequestWaitsForASlowReply)
     connectClient();
     ControlClient::BatchList batches;
     EXPECT_TRUE(m_client.listBatches(batches));
-    EXPECT_TRUE(m_client.timedOutRequest().empty());
+    EXPECT_EQ(m_client.failure(), ControlClient::Failure::None);
+    EXPECT_TRUE(m_client.failedRequest().empty());
 }
 
 TEST_F(ControlClientRequests, WithATimeOutASilentServerFailsTheRequestAndTheConnectionIsClosed)
 {
     m_server.acceptConnection().waitForLine().waitForClose();
     connectClient();
-    m_client.setRequestTimeout(300);
+    m_client.setDeadline(SteadyClock::now() + std::chrono::milliseconds(300));
     ControlClient::BatchList batches;
     EXPECT_FALSE(m_client.listBatches(batches));
-    EXPECT_EQ(m_client.timedOutRequest(), "listBatches");
+    EXPECT_EQ(m_client.failure(), ControlClient::Failure::NoReply);
+    EXPECT_EQ(m_client.failedRequest(), "listBatches");
     EXPECT_FALSE(m_client.isConnected());
     EXPECT_EQ(m_console.text(),
         "connected to 127.0.0.1:" + std::to_string(m_server.port()) + "\ndisconnected from server\n");
@@ -441,13 +443,17 @@ TEST_F(ControlClientRequests, WithATimeOutLinesThatAreNotJsonOrNeverEndCountAsNo
     m_server.acceptConnection().waitForLine().write(garbage).waitForClose();
     m_server.acceptConnection().waitForLine().write(R"({"result":tr)").waitForClose();
     connectClient();
-    m_client.setRequestTimeout(300);
+    m_client.setDeadline(SteadyClock::now() + std::chrono::milliseconds(300));
     EXPECT_FALSE(m_client.pauseNode(1));
-    EXPECT_EQ(m_client.timedOutRequest(), "pauseNode");
+    EXPECT_EQ(m_client.failure(), ControlClient::Failure::NoReply);
+    EXPECT_EQ(m_client.failedRequest(), "pauseNode");
     EXPECT_FALSE(m_client.isConnected());
-    // half a line, and then nothing
+    // half a line, and then nothing: the reply had begun
+    m_client.clearDeadline();
     ASSERT_TRUE(m_client.connect("127.0.0.1", m_server.port()));
+    m_client.setDeadline(SteadyClock::now() + std::chrono::milliseconds(300));
     EXPECT_FALSE(m_client.resumeNode(1));
-    EXPECT_EQ(m_client.timedOutRequest(), "resumeNode");
+    EXPECT_EQ(m_client.failure(), ControlClient::Failure::ReplyTooSlow);
+    EXPECT_EQ(m_client.failedRequest(), "resumeNode");
     EXPECT_TRUE(m_server.finish());
 }

@@ -312,8 +312,7 @@ TEST(CtlRequests, ASilentServerEndsTheToolWithThreeAfterTheTimeOut)
     const CtlResult result = runCtl(atPort(sim.port(), {"--timeout", "0.3", "batches"}));
     EXPECT_EQ(result.code, CtlRunner::ExitConnection);
     EXPECT_EQ(result.err,
-        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(sim.port())
-            + " to listBatches within 0.3 s\n");
+        "korvane-ctl: listBatches to 127.0.0.1:" + std::to_string(sim.port()) + ": no reply within 0.3 s\n");
     EXPECT_EQ(result.out, "");
 }
 
@@ -329,8 +328,7 @@ TEST(CtlRequests, AServerSendingOnlyLinesThatAreNotJsonEndsTheToolWithThree)
     EXPECT_TRUE(server.finish());
     EXPECT_EQ(result.code, CtlRunner::ExitConnection);
     EXPECT_EQ(result.err,
-        "korvane-ctl: no usable reply from 127.0.0.1:" + std::to_string(server.port())
-            + " to pauseNode within 1 s\n");
+        "korvane-ctl: pauseNode to 127.0.0.1:" + std::to_string(server.port()) + ": no reply within 1 s\n");
     // the second node was never asked for
     EXPECT_EQ(server.received(),
         R"({"id":0,"method":"pauseNode","params":{"node_id":4}})"
