@@ -167,6 +167,17 @@ bool Connection::writeDue(Clock::time_point now)
 {
     while (hasDueOutput(now)) {
         Outgoing& out = m_output.front();
+        if (m_faults.trickleMs > 0) {
+            // One byte now, the next one when it falls due.
+            const ssize_t written = ::send(m_socket, out.bytes.data() + out.sent, 1, MSG_NOSIGNAL);
+            if (written < 0)
+                return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK;
+            out.sent += static_cast<std::size_t>(written);
+            if (out.sent < out.bytes.size()) {
+                out.due = now + std::chrono::milliseconds(m_faults.trickleMs);
+                return true;
+            }
+        }
         // One byte per call under the byte-write switch, a handful per round
         // so that other clients get their turn.
         int rounds = m_faults.byteWrites ? 64 : 1;

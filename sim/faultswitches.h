@@ -18,6 +18,9 @@ struct FaultSwitches
     std::uint64_t garbageEvery = 0;
     // Hold every reply back this many milliseconds.
     int delayMs = 0;
+    // Send replies one byte every this many milliseconds: a server, or a
+    // link, that trickles (0: off).
+    int trickleMs = 0;
     // Pad the first reply of each connection to a line of this many bytes,
     // line feed included, with a "padding" member (0: no padding).
     std::size_t bigReplyBytes = 0;

@@ -43,7 +43,7 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
         }
         static const char* const valued[] = {"--listen", "--seed", "--speed", "--batches", "--nodes",
             "--tick-ms", "--start-time", "--failure-rate", "--object-params", "--close-after", "--mute-after",
-            "--garbage-every", "--delay", "--big-reply", "--max-line", "--max-clients"};
+            "--garbage-every", "--delay", "--trickle", "--big-reply", "--max-line", "--max-clients"};
         bool known = false;
         for (const char* option : valued)
             known = known || name == option;
@@ -116,6 +116,8 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
                 options.server.faults.garbageEvery = number;
             else if (name == "--delay")
                 options.server.faults.delayMs = static_cast<int>(number);
+            else if (name == "--trickle")
+                options.server.faults.trickleMs = static_cast<int>(number);
             else if (name == "--big-reply")
                 options.server.faults.bigReplyBytes = static_cast<std::size_t>(number);
         }
@@ -161,6 +163,7 @@ Fault switches (each connection counts for itself; all off by default):
   --byte-writes        send replies in 1-byte writes
   --garbage-every N    put a line that is not JSON before every Nth reply
   --delay MS           hold every reply back MS milliseconds
+  --trickle MS         send replies one byte every MS milliseconds
   --big-reply BYTES    pad the first reply of each connection to a line of
                        BYTES bytes (line feed included)
 

@@ -369,3 +369,39 @@ TEST(CtlRequests, TaskFilesTheRequestCannotCarryAreOneLineUsageErrors)
         std::remove(file.c_str());
     }
 }
+
+TEST(CtlRequests, AReplyStillArrivingAtTheTimeOutIsToldApartFromNoReply)
+{
+    FaultSwitches trickle;
+    trickle.trickleMs = 50;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(trickle));
+    const auto start = std::chrono::steady_clock::now();
+    const CtlResult result = runCtl(atPort(sim.port(), {"--timeout", "0.5", "batches"}));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: listBatches to 127.0.0.1:" + std::to_string(sim.port())
+            + ": the reply was still arriving after 0.5 s (slow link?)\n");
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(CtlRequests, TheTimeOutBoundsTheWholeCommandNotEachRequest)
+{
+    // Each reply comes 400 ms late, within a per-request limit of 1 s; a
+    // stop takes two requests, so the whole command does not fit in 1 s.
+    FaultSwitches slow;
+    slow.delayMs = 400;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(slow));
+    const CtlResult result = runCtl(atPort(sim.port(), {"--timeout", "1", "stop-node", "1", "2"}));
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err,
+        "korvane-ctl: pauseNode to 127.0.0.1:" + std::to_string(sim.port()) + ": no reply within 1 s\n");
+}
+
+TEST(CtlRequests, AnUnknownNameIsToldAsSuch)
+{
+    const CtlResult result = runCtl({"--host", "no-such-host.invalid", "--timeout", "20", "batches"});
+    EXPECT_EQ(result.code, CtlRunner::ExitConnection);
+    EXPECT_EQ(result.err.rfind("korvane-ctl: cannot resolve no-such-host.invalid:5840: ", 0), 0u)
+        << result.err;
+}

@@ -156,8 +156,8 @@ TEST(SimProgram, HelpDocumentsEveryFaultSwitch)
     EXPECT_EQ(exitCode(child.pid), 0);
     std::fclose(child.out);
     for (const char* option : {"--listen", "--seed", "--speed", "--nodes", "--batches", "--close-after",
-             "--mute-after", "--byte-writes", "--garbage-every", "--delay", "--big-reply", "--object-params",
-             "--max-line", "--max-clients"})
+             "--mute-after", "--byte-writes", "--garbage-every", "--delay", "--trickle", "--big-reply",
+             "--object-params", "--max-line", "--max-clients"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
 }
 

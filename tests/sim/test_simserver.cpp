@@ -176,6 +176,24 @@ TEST(SimServer, DelayHoldsRepliesBackWithoutHoldingUpOtherClients)
     EXPECT_EQ(other.readLine(), trueReply(2));
 }
 
+TEST(SimServer, TrickleSendsOneByteAtATimeWithoutHoldingUpOtherClients)
+{
+    FaultSwitches faults;
+    faults.trickleMs = 40;
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(faults));
+    LineClient slow(sim.port());
+    LineClient other(sim.port());
+    ASSERT_TRUE(slow.write(pauseNode(1)));
+    ASSERT_TRUE(other.write(pauseNode(2)));
+    // 23 bytes at 40 ms each: most of a second for the whole line.
+    EXPECT_EQ(slow.readLine(400), "");
+    const std::size_t early = slow.pending().size();
+    EXPECT_GE(early, 3u);
+    EXPECT_LE(early, 14u);
+    EXPECT_EQ(slow.readLine(), trueReply(1));
+    EXPECT_EQ(other.readLine(), trueReply(2));
+}
+
 TEST(SimServer, BigReplyPadsTheFirstReplyToTheGivenSize)
 {
     FaultSwitches faults;
