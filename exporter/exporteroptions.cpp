@@ -117,14 +117,18 @@ Options:
                           An IPv6 address goes in brackets: [::1]:10084
   --all-batches           a series for every batch; without it only batches
                           that are pending, working or paused have series
-  --server-timeout SECS   a server that sends nothing for this long while a
-                          reply is due counts as lost (default 5)
+  --server-timeout SECS   longest time for one reading of the server, name
+                          lookup and connect included (default 5); a scrape
+                          that says how long it waits
+                          (X-Prometheus-Scrape-Timeout-Seconds) gets that
+                          less half a second, if it is shorter
   -h, --help              show this text and exit
   --version               show the version and exit
 
 A scrape reads the batch list and the node list once; a scrape within one
-second of the last one is answered from it. Server errors give korvane_up 0
-and a line on standard error; the exporter keeps running. After a lost
+second of the last one is answered from it. Server errors, and a reading
+that runs out of time, give korvane_up 0 and a line on standard error that
+says why; the exporter keeps running. After a lost
 connection it connects again at the next scrape, waiting 1, 2, 4, 8, then 16
 seconds between attempts while the server stays away.
 

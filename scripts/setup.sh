@@ -14,6 +14,8 @@ packages=(
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
+    # network namespaces, veth pairs and tc for the network fault tests
+    iproute2
     clang libclang-rt-14-dev clang-tidy cppcheck
 )
 

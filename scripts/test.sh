@@ -25,7 +25,7 @@ export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=address,undefined
 ctest --test-dir build-asan --output-on-failure -j2
 
-threaded="test_monitorworker test_monitor test_contextmenus test_monitorsimulator test_exporter_farmreader test_exporter_http"
+threaded="test_client_deadline test_monitorworker test_monitor test_contextmenus test_monitorsimulator test_exporter_farmreader test_exporter_deadline test_exporter_http"
 export TSAN_OPTIONS=suppressions=$PWD/tests/tsan.supp:halt_on_error=1:ignore_noninstrumented_modules=1
 KORVANE_TARGETS="$threaded korvane_translations" \
     bash scripts/build.sh build-tsan -DCMAKE_BUILD_TYPE=Debug -DKORVANE_SANITIZE=thread

@@ -1,5 +1,7 @@
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <future>
 #include <httplib.h>
 #include <thread>
@@ -48,6 +50,20 @@ double seconds(Clock::duration duration)
     return std::chrono::duration<double>(duration).count();
 }
 
+// The figures for the README's table, one line each.
+void report(const char* what, Clock::duration took)
+{
+    std::printf("[ figure   ] %s: %.1f s\n", what, seconds(took));
+}
+
+// A program of the build, or the one named in the environment (to measure
+// another build of the same programs).
+std::string program(const char* variable, const char* built)
+{
+    const char* given = std::getenv(variable);
+    return given && *given ? given : built;
+}
+
 class NetworkFaults : public ::testing::Test
 {
 protected:
@@ -74,7 +90,8 @@ protected:
     {
         std::vector<std::string> args = {"--server", server(), "--listen", "127.0.0.1:0"};
         args.insert(args.end(), extra.begin(), extra.end());
-        auto exporter = std::make_unique<ChildProcess>(KORVANE_EXPORTER_PROGRAM, args);
+        auto exporter
+            = std::make_unique<ChildProcess>(program("KORVANE_EXPORTER", KORVANE_EXPORTER_PROGRAM), args);
         port = exporter->listeningPort();
         EXPECT_NE(port, 0);
         return exporter;
@@ -84,7 +101,7 @@ protected:
     std::pair<int, Clock::duration> ctl(const std::vector<std::string>& args, std::string* err = nullptr)
     {
         const auto start = Clock::now();
-        ChildProcess child(KORVANE_CTL_PROGRAM, args);
+        ChildProcess child(program("KORVANE_CTL", KORVANE_CTL_PROGRAM), args);
         const int code = child.wait(60000);
         if (err)
             *err = child.err();
@@ -108,7 +125,7 @@ TEST_F(NetworkFaults, ASilentPartitionIsReportedInBoundedTimeByEveryProgram)
 {
     auto sim = startSim();
     auto exporter = startExporter(m_exporterPort);
-    ChildProcess monitor(KORVANE_MONITOR_PROGRAM, {"--connect", server()});
+    ChildProcess monitor(program("KORVANE_MONITOR", KORVANE_MONITOR_PROGRAM), {"--connect", server()});
     EXPECT_EQ(monitor.readLine(), "connected to " + server());
     ASSERT_TRUE(scrape(m_exporterPort).up());
 
@@ -120,12 +137,14 @@ TEST_F(NetworkFaults, ASilentPartitionIsReportedInBoundedTimeByEveryProgram)
     const Scrape first = scrape(m_exporterPort);
     EXPECT_TRUE(first.down()) << first.status << "\n" << first.body;
     EXPECT_LT(first.took, 5500ms) << seconds(first.took);
+    report("partition: exporter scrape right after the cut", first.took);
 
     // A control command started during the partition.
     std::string err;
     const auto [code, took] = ctl({"--host", server(), "--timeout", "5", "batches"}, &err);
     EXPECT_EQ(code, 3);
     EXPECT_LT(took, 8s) << seconds(took);
+    report("partition: korvane-ctl --timeout 5", took);
     EXPECT_EQ(err, "korvane-ctl: " + server() + ": could not connect within 5 s\n");
 
     // An exporter whose reading hangs in connect() stops at once.
@@ -138,6 +157,7 @@ TEST_F(NetworkFaults, ASilentPartitionIsReportedInBoundedTimeByEveryProgram)
         stuck->signal(SIGTERM);
         EXPECT_EQ(stuck->wait(10000), 0);
         EXPECT_LT(Clock::now() - signalled, 2s) << seconds(Clock::now() - signalled);
+        report("partition: SIGTERM to an exporter in connect()", Clock::now() - signalled);
         pending.wait();
     }
 
@@ -146,6 +166,7 @@ TEST_F(NetworkFaults, ASilentPartitionIsReportedInBoundedTimeByEveryProgram)
     const Scrape later = scrape(m_exporterPort);
     EXPECT_TRUE(later.down()) << later.status << "\n" << later.body;
     EXPECT_LT(later.took, 5500ms) << seconds(later.took);
+    report("partition: exporter scrape 20 s in", later.took);
 
     // The monitor's request is never acknowledged: the system gives the
     // connection up, and the monitor says so.
@@ -154,7 +175,7 @@ TEST_F(NetworkFaults, ASilentPartitionIsReportedInBoundedTimeByEveryProgram)
         "disconnected from server");
     const auto noticed = Clock::now() - cut;
     EXPECT_LT(noticed, 60s);
-    std::printf("monitor noticed the partition after %.1f s\n", seconds(noticed));
+    report("partition: monitor says \"disconnected from server\"", noticed);
 
     m_link.heal();
     const auto healed = Clock::now();
@@ -189,12 +210,14 @@ TEST_F(NetworkFaults, OnASlowLinkTheScrapeIsAnsweredByItsDeadline)
         const Scrape slow = scrape(m_exporterPort);
         EXPECT_TRUE(slow.down()) << slow.status;
         EXPECT_LT(slow.took, 5500ms) << seconds(slow.took);
+        report("slow link: exporter scrape", slow.took);
         nextReading();
     }
     std::string err;
     const auto [code, took] = ctl({"--host", server(), "--timeout", "3", "batches"}, &err);
     EXPECT_EQ(code, 3);
     EXPECT_LT(took, 5s);
+    report("slow link: korvane-ctl --timeout 3", took);
     EXPECT_EQ(err,
         "korvane-ctl: listBatches to " + server()
             + ": the reply was still arriving after 3 s (slow link?)\n");
@@ -213,6 +236,7 @@ TEST_F(NetworkFaults, AServerThatTricklesIsAnsweredByTheDeadline)
     const Scrape trickled = scrape(m_exporterPort, "3");
     EXPECT_TRUE(trickled.down()) << trickled.status;
     EXPECT_LT(trickled.took, 3s) << seconds(trickled.took);
+    report("trickling server: exporter scrape (header 3 s)", trickled.took);
 
     std::string err;
     const auto [code, took] = ctl({"--host", server(), "--timeout", "2", "nodes"}, &err);
@@ -233,6 +257,7 @@ TEST_F(NetworkFaults, AKilledServerIsDownAtOnceAndReadAgainAfterItsRestart)
     const Scrape gone = scrape(m_exporterPort);
     EXPECT_TRUE(gone.down());
     EXPECT_LT(gone.took, 1s) << seconds(gone.took);
+    report("kill: exporter scrape after the server was killed", gone.took);
 
     sim = startSim();
     const auto restarted = Clock::now();
@@ -243,4 +268,5 @@ TEST_F(NetworkFaults, AKilledServerIsDownAtOnceAndReadAgainAfterItsRestart)
     }
     EXPECT_TRUE(back.up());
     EXPECT_LT(Clock::now() - restarted, 5s);
+    report("restart: exporter reads korvane_up 1 again", Clock::now() - restarted);
 }
