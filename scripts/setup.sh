@@ -15,6 +15,8 @@ packages=(
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
     clang libclang-rt-14-dev clang-tidy cppcheck
+    # the accessibility tests: the AT-SPI bus read from Python, keys sent by xdotool
+    at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool
 )
 
 missing=()
