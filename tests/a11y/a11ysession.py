@@ -144,11 +144,15 @@ class Session:
         self.app = self.wait(self._find_app, 30, "the monitor on the accessibility bus")
         self.frame = self.wait(lambda: self.find(self.app, "frame", "Korvane Network Monitor", depth=1), 30,
                                "the main window")
-        # no window manager: give the window the keyboard as one would on mapping it
+        self.refocus()
+        return self.frame
+
+    def refocus(self):
+        """There is no window manager: the main window gets the keyboard back as a
+        window manager would give it on mapping and when a dialog closes."""
         subprocess.run(["xdotool", "search", "--sync", "--pid", str(self.monitor.pid), "--name",
                         "^Korvane Network Monitor$", "windowfocus", "--sync"], env=self.env, check=True, timeout=30)
         self.pump(0.5)
-        return self.frame
 
     def close(self):
         for process in reversed(self.processes):
@@ -352,8 +356,23 @@ def run(test):
     started = time.monotonic()
     try:
         test(bin_dir, language)
-    except Failure as failure:
+    except (Failure, subprocess.TimeoutExpired) as failure:
         log("FAILED (%.1f s): %s" % (time.monotonic() - started, failure))
         return 1
     log("passed in %.1f s" % (time.monotonic() - started))
     return 0
+
+
+def tr(language, context, source):
+    return translation(language, context, source)
+
+
+def row_sentence(language, pairs):
+    """The name a current row reads: "Header: value, ..." without empty cells."""
+    form = tr(language, "CurrentRowAnnouncer", "%1: %2")
+    return ", ".join(form.replace("%1", tr(language, "Monitor", header)).replace("%2", value)
+                     for header, value in pairs if value)
+
+
+def project_name(path):
+    return path[path.rfind("/") + 1:]
