@@ -108,7 +108,7 @@ class Session:
 
         self._start([LAUNCHER, "--launch-immediately"])
         self._wait_for_name("org.a11y.Bus")
-        self._start([REGISTRY])
+        self._start([REGISTRY], stdout=subprocess.DEVNULL)
 
         os.environ.update({k: self.env[k] for k in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR")})
         import gi

@@ -115,14 +115,28 @@ def test(bin_dir, language):
         s.wait_focus("table cell", lambda name: name.startswith(want), start=mark,
                      what="the first node read with its headers")
 
+        def alt(source):
+            # the menu's accelerator in this language: Alt+F and Alt+H in English
+            text = t(source, "MainWindow")
+            return "alt+" + text[text.index("&") + 1].lower()
+
+        # Alt+F opens the File menu with Exit; Escape closes it
+        mark = s.showing_mark()
+        s.key(alt("&File"))
+        menu = s.wait_showing("popup menu", mark)
+        check([menu.getChildAtIndex(i).name for i in range(menu.childCount)] == [t("E&xit", "MainWindow").replace("&", "")],
+              "Alt+F opened %r" % [menu.getChildAtIndex(i).name for i in range(menu.childCount)])
+        s.key("Escape", "Escape")
+        log("%s opened the File menu" % alt("&File"))
+
         # Help > About by Alt+H, closed by Escape
         mark = s.showing_mark()
-        s.key("alt+h")
+        s.key(alt("&Help"))
         s.wait_showing("popup menu", mark)
         s.key("Return")
         about = s.wait(lambda: s.find(s.app, "dialog", t("About Monitor", "AboutDialog"), depth=1), 10,
                        "the About dialog")
-        log("About opened by Alt+H:", about.name)
+        log("About opened by %s:" % alt("&Help"), about.name)
         s.key("Escape")
         s.wait(lambda: s.find(s.app, "dialog", None, depth=1) is None, 10, "the About dialog to close")
         log("closed by Escape")

@@ -172,9 +172,11 @@ TEST_F(Accessibility, TheCurrentRowReadsWithItsHeadersAndOnlyIt)
         batch(8, "/projects/eight.kproj", ControlClient::Paused)});
     ui.batches->setCurrentItem(ui.batches->topLevelItem(0));
     const QString seven = rowName(ui.batches, 0);
-    EXPECT_TRUE(seven.startsWith(QStringLiteral("#: 7, Project: seven.kproj, Started: "))) << seven.toStdString();
-    EXPECT_TRUE(seven.endsWith(QStringLiteral(", Status: Working, Priority: Normal, Current Task: Build Mesh (42.5%), "
-                                              "Elapsed / Left: 00:12:40 / 01:03:00, Failures: 0, Nodes: 3/5")))
+    EXPECT_TRUE(seven.startsWith(QStringLiteral("#: 7, Project: seven.kproj, Started: ")))
+        << seven.toStdString();
+    EXPECT_TRUE(seven.endsWith(
+        QStringLiteral(", Status: Working, Priority: Normal, Current Task: Build Mesh (42.5%), "
+                       "Elapsed / Left: 00:12:40 / 01:03:00, Failures: 0, Nodes: 3/5")))
         << seven.toStdString();
     EXPECT_EQ(ui.batches->topLevelItem(0)->data(8, Qt::AccessibleTextRole).toString(), seven);
     EXPECT_FALSE(ui.batches->topLevelItem(1)->data(0, Qt::AccessibleTextRole).isValid());
@@ -183,12 +185,14 @@ TEST_F(Accessibility, TheCurrentRowReadsWithItsHeadersAndOnlyIt)
 
     ui.batches->setCurrentItem(ui.batches->topLevelItem(1));
     EXPECT_FALSE(ui.batches->topLevelItem(0)->data(0, Qt::AccessibleTextRole).isValid());
-    EXPECT_TRUE(rowName(ui.batches, 1).contains(QStringLiteral(", Status: Paused, "))) << rowName(ui.batches, 1).toStdString();
+    EXPECT_TRUE(rowName(ui.batches, 1).contains(QStringLiteral(", Status: Paused, ")))
+        << rowName(ui.batches, 1).toStdString();
 
     // the next poll rewrites the current row's name with it
     panel.updateBatches({batch(7, "/projects/seven.kproj", ControlClient::InProgress),
         batch(8, "/projects/eight.kproj", ControlClient::Aborted)});
-    EXPECT_TRUE(rowName(ui.batches, 1).contains(QStringLiteral(", Status: Aborted, "))) << rowName(ui.batches, 1).toStdString();
+    EXPECT_TRUE(rowName(ui.batches, 1).contains(QStringLiteral(", Status: Aborted, ")))
+        << rowName(ui.batches, 1).toStdString();
 }
 
 TEST_F(Accessibility, ANodeRowLeavesOutItsEmptyCells)
@@ -264,7 +268,8 @@ ControlClient::BatchStatus twoTasks()
 {
     ControlClient::BatchStatus status;
     status.path = "/projects/harbour/survey.kproj";
-    status.tasks = {task("AlignCameras", ControlClient::Completed), task("BuildModel", ControlClient::InProgress)};
+    status.tasks
+        = {task("AlignCameras", ControlClient::Completed), task("BuildModel", ControlClient::InProgress)};
     return status;
 }
 
@@ -321,7 +326,8 @@ TEST(AccessibilityDetails, TabAndShiftTabLeaveTheErrorBoxUnchanged)
     dialog.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
     auto* error = dialog.findChild<QPlainTextEdit*>(QStringLiteral("editError"));
-    auto* close = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Close);
+    auto* close
+        = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Close);
     EXPECT_TRUE(error->tabChangesFocus());
     EXPECT_EQ(accessibleName(error), QStringLiteral("Last error:"));
     const QString text = error->toPlainText();
