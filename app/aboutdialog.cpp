@@ -1,7 +1,6 @@
 #include "aboutdialog.h"
 
 #include <QPixmap>
-#include <QtMath>
 
 #include "ui_aboutdialog.h"
 #include "version.h"
