@@ -5,6 +5,28 @@
 #include "ui_aboutdialog.h"
 #include "version.h"
 
+namespace {
+
+// The 32 pixel icon drawn with the screen's own pixels: of the renderings of
+// the drawn master (32, 48 and 64 pixels) the smallest that covers them,
+// scaled down smoothly if need be. A scaled-up 32 pixel picture is blurred.
+QPixmap iconFor(qreal ratio)
+{
+    const int pixels = qRound(32 * qMax<qreal>(ratio, 1.0));
+    const QString name = pixels <= 32 ? QStringLiteral(":/images/app_icon32.png")
+        : pixels <= 48                ? QStringLiteral(":/images/app_icon48.png")
+                                      : QStringLiteral(":/images/app_icon32@2x.png");
+    QPixmap pixmap(name);
+    if (pixmap.isNull() || pixels <= 32)
+        return pixmap;
+    if (pixmap.width() != pixels)
+        pixmap = pixmap.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    pixmap.setDevicePixelRatio(qreal(pixels) / 32);
+    return pixmap;
+}
+
+} // namespace
+
 AboutDialog::AboutDialog(QWidget* parent)
     : QDialog(parent, Qt::WindowCloseButtonHint)
     , ui(std::make_unique<Ui::AboutDialog>())
@@ -15,7 +37,7 @@ AboutDialog::AboutDialog(QWidget* parent)
         QCoreApplication::organizationName() + QLatin1Char(' ') + QCoreApplication::applicationName());
     ui->labelVersion->setText(versionText());
     ui->editCredits->setPlainText(creditsText());
-    ui->labelIcon->setPixmap(QPixmap(QStringLiteral(":/images/app_icon32.png")));
+    ui->labelIcon->setPixmap(iconFor(devicePixelRatioF()));
 }
 
 AboutDialog::~AboutDialog() = default;

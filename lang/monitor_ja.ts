@@ -30,6 +30,18 @@
         <source>Last error:</source>
         <translation>最後のエラー：</translation>
     </message>
+    <message>
+        <source>Tasks</source>
+        <translation>タスク</translation>
+    </message>
+</context>
+<context>
+    <name>CurrentRowAnnouncer</name>
+    <message>
+        <source>%1: %2</source>
+        <comment>a column header and the cell below it</comment>
+        <translation>%1：%2</translation>
+    </message>
 </context>
 <context>
     <name>Errors</name>
@@ -415,6 +427,10 @@
         <source>Stop</source>
         <translation>停止</translation>
     </message>
+    <message>
+        <source>Batches</source>
+        <translation>バッチ</translation>
+    </message>
 </context>
 <context>
     <name>TaskStatusWidget</name>
@@ -441,6 +457,11 @@
     <message>
         <source>left</source>
         <translation>残り</translation>
+    </message>
+    <message>
+        <source>%1%</source>
+        <comment>progress in percent</comment>
+        <translation>%1%</translation>
     </message>
 </context>
 </TS>

@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+class QListWidgetItem;
+
 #include "controlclient.h"
 #include "metatypes.h"
 #include "ui_batchdetailsdialog.h"
@@ -24,5 +26,7 @@ public slots:
     void setBatchStatus(const ControlClient::BatchStatus& status);
 
 private:
+    void nameRow(QListWidgetItem* item, const QString& text);
+
     Ui::BatchDetailsDialog ui;
 };

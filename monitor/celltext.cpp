@@ -242,6 +242,16 @@ QString taskFooter(const ControlClient::TaskInfo& task)
     return text;
 }
 
+QString taskRowText(const QString& title, const ControlClient::TaskInfo& task)
+{
+    QString text = taskHeader(title, task) + QStringLiteral(", ");
+    if (taskShowsBar(task))
+        text += QCoreApplication::translate("TaskStatusWidget", "%1%", "progress in percent")
+                    .arg(taskProgressValue(task))
+            + QStringLiteral(", ");
+    return text + taskFooter(task);
+}
+
 int taskProgressValue(const ControlClient::TaskInfo& task)
 {
     return static_cast<int>(task.progress);

@@ -79,6 +79,9 @@ NodeCells nodeCells(const ControlClient::NodeInfo& node, const QDate& today);
 QString taskHeader(const QString& title, const ControlClient::TaskInfo& task);
 QString taskFooter(const ControlClient::TaskInfo& task);
 int taskProgressValue(const ControlClient::TaskInfo& task);
+// The three read as one line, the bar as a percentage while it shows: what a
+// screen reader says for a task's row.
+QString taskRowText(const QString& title, const ControlClient::TaskInfo& task);
 bool taskShowsBar(const ControlClient::TaskInfo& task);
 
 // The details dialog's error line: the stamp, one space and the message.

@@ -9,6 +9,8 @@
 
 #include "batchdetailsdialog.h"
 #include "celltext.h"
+#include "contextmenukey.h"
+#include "currentrowannouncer.h"
 #include "metatypes.h"
 #include "taskdisplaynames.h"
 #include "threadhandover.h"
@@ -18,6 +20,8 @@ Monitor::Monitor(QWidget* parent)
     : QWidget(parent)
 {
     ui.setupUi(this);
+    // screen readers walk the children in their order: batches first, as on the screen
+    ui.treeBatches->stackUnder(ui.treeNodes);
 
     QSettings settings;
     ui.editHost->setText(settings.value(QStringLiteral("main/network_host"), QString()).toString());
@@ -29,7 +33,10 @@ Monitor::Monitor(QWidget* parent)
         // every row is one line of text; saying so spares the view from
         // measuring each row when thousands change at once
         tree->setUniformRowHeights(true);
+        new ContextMenuKey(tree);
     }
+    batchAnnouncer = new CurrentRowAnnouncer(ui.treeBatches);
+    nodeAnnouncer = new CurrentRowAnnouncer(ui.treeNodes);
 
     connect(ui.treeNodes, &QWidget::customContextMenuRequested, this, &Monitor::onContextMenuNodes);
     connect(ui.treeBatches, &QWidget::customContextMenuRequested, this, &Monitor::onContextMenuBatches);
@@ -108,12 +115,14 @@ void Monitor::updateBatches(const ControlClient::BatchList& info)
 {
     takeHandOver();
     batchRows->showBatches(info);
+    batchAnnouncer->refresh();
 }
 
 void Monitor::updateNodes(const ControlClient::NodeList& info)
 {
     takeHandOver();
     nodeRows->showNodes(info, QDate::currentDate());
+    nodeAnnouncer->refresh();
 }
 
 void Monitor::error(const QString& message)

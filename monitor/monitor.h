@@ -11,6 +11,7 @@
 #include "monitorworker.h"
 #include "ui_monitor.h"
 
+class CurrentRowAnnouncer;
 class TreeRows;
 
 // The panel the operator works in: host, port and Connect on top, the
@@ -86,4 +87,7 @@ private:
     Ui::Monitor ui;
     std::unique_ptr<TreeRows> batchRows;
     std::unique_ptr<TreeRows> nodeRows;
+    // children of the trees
+    CurrentRowAnnouncer* batchAnnouncer = nullptr;
+    CurrentRowAnnouncer* nodeAnnouncer = nullptr;
 };

@@ -17,6 +17,8 @@ packages=(
     # network namespaces, veth pairs and tc for the network fault tests
     iproute2
     clang libclang-rt-14-dev clang-tidy cppcheck
+    # the accessibility tests: the AT-SPI bus read from Python, keys sent by xdotool
+    at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool
 )
 
 missing=()

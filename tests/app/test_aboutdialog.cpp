@@ -99,6 +99,17 @@ TEST(AboutDialog, IconIsTheThirtyTwoPixelApplicationIcon)
     EXPECT_TRUE(icon->text().isEmpty());
 }
 
+// Also run at QT_SCALE_FACTOR 1.5 and 2: the icon has the screen's own pixels.
+TEST(AboutDialog, IconHasThePixelsOfTheScreen)
+{
+    AboutDialog dialog(nullptr);
+    const qreal ratio = dialog.devicePixelRatioF();
+    const QPixmap pixmap = child<QLabel>(dialog, "labelIcon")->pixmap();
+    EXPECT_EQ(pixmap.size(), QSize(qRound(32 * ratio), qRound(32 * ratio))) << ratio;
+    EXPECT_EQ(pixmap.devicePixelRatio(), ratio);
+    EXPECT_EQ(pixmap.deviceIndependentSize(), QSizeF(32, 32));
+}
+
 TEST(AboutDialog, MissingIconResourceLeavesTheIconEmpty)
 {
     Q_CLEANUP_RESOURCE(app_images);
