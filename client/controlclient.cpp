@@ -121,6 +121,10 @@ bool ControlClient::connect(const std::string& address, int port)
 
 int ControlClient::connectOne(const addrinfo* entry)
 {
+    if (m_interrupt.isRaised()) {
+        m_failure = Failure::Interrupted; // no new attempt once interrupted
+        return -1;
+    }
     m_failure = Failure::CannotConnect;
     const int fd
         = ::socket(entry->ai_family, entry->ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, entry->ai_protocol);

@@ -11,6 +11,8 @@
 #include <thread>
 #include <unistd.h>
 
+#include "interruptevent.h"
+
 // What the looking-up thread and the waiting one share; the last of the two
 // to let go frees it.
 struct HostLookup::Shared
@@ -50,6 +52,8 @@ HostLookup::Result HostLookup::run(const std::string& host, const std::string& s
     m_addresses = nullptr;
     m_errorCode = 0;
 
+    if (interrupt.isRaised())
+        return Interrupted;
     auto shared = std::make_shared<Shared>();
     if (shared->doneEvent == -1) {
         m_errorCode = EAI_SYSTEM;
