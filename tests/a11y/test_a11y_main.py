@@ -131,8 +131,12 @@ def test(bin_dir, language):
 
         # Help > About by Alt+H, closed by Escape
         mark = s.showing_mark()
+        focus = s.focus_mark()
         s.key(alt("&Help"))
         s.wait_showing("popup menu", mark)
+        # Return only once the menu has made its entry current: before that,
+        # on a busy machine, the key can reach the menu and do nothing.
+        s.wait_focus("menu item", t("About Monitor...", "MainWindow"), start=focus)
         s.key("Return")
         about = s.wait(lambda: s.find(s.app, "dialog", t("About Monitor", "AboutDialog"), depth=1), 10,
                        "the About dialog")
