@@ -102,13 +102,13 @@ void ownPart(int simPort)
         for (const bool everyBatch : {false, true}) {
             text.clear();
             const auto start = Clock::now();
-            writeFarmMetrics(farm, everyBatch, text);
+            writeFarmMetrics(farm, everyBatch ? CollectMode::All : CollectMode::Unfinished, text);
             (everyBatch ? all : active).push_back(millisecondsSince(start));
             (everyBatch ? allBytes : activeBytes) = text.size();
         }
     }
     text.clear();
-    writeFarmMetrics(farm, false, text);
+    writeFarmMetrics(farm, CollectMode::Unfinished, text);
     const auto gzipStart = Clock::now();
     const std::string zipped = gzipCompress(text);
     const double gzipMs = millisecondsSince(gzipStart);

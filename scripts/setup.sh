@@ -14,6 +14,8 @@ packages=(
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
+    # the exporter's web configuration: YAML, TLS, bcrypt through crypt(), and its tests
+    libyaml-cpp-dev libssl-dev libcrypt-dev openssl curl
     clang libclang-rt-14-dev clang-tidy cppcheck
 )
 

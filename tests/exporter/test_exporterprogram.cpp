@@ -130,17 +130,19 @@ TEST(ExporterProgram, PromtoolFindsNoProblemInTheRealOutput)
     std::this_thread::sleep_for(1s); // a moving farm: nodes at work, errors, batches of every status
     TempDir dir;
     for (const bool all : {false, true}) {
-        std::vector<std::string> args {
-            "--listen", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(simPort)};
-        if (all)
-            args.push_back("--all-batches");
+        std::vector<std::string> args {"--web.listen-address", "127.0.0.1:0", "--server",
+            "127.0.0.1:" + std::to_string(simPort),
+            all ? "--collect.batches=all" : "--collect.batches=unfinished"};
         ChildProcess exporter(Exporter, args);
         const int port = exporter.listeningPort();
         ASSERT_GT(port, 0);
         const std::string body = scrape(port);
         ASSERT_NE(body.find("\nkorvane_up 1\n"), std::string::npos);
         ASSERT_NE(body.find("\nkorvane_node_last_error_timestamp_seconds{"), std::string::npos);
+        ASSERT_NE(body.find("korvane_batch_status{"), std::string::npos);
         ASSERT_NE(body.find("status=\"working\"} 1\n"), std::string::npos);
+        ASSERT_NE(
+            body.find("\nkorvane_exporter_build_info{version=\"0.1.0.2834\",revision=\""), std::string::npos);
         const std::string file = dir.write(all ? "all.txt" : "active.txt", body);
         std::string output;
         EXPECT_EQ(runCommand("promtool check metrics < " + file, output), 0) << output;
@@ -222,6 +224,7 @@ TEST(ExporterProgram, DefaultArgumentsServeOnLoopback)
     std::string error;
     ASSERT_TRUE(parseExporterOptions(args, options, error)) << error;
     EXPECT_EQ(options.serverAddress(), "127.0.0.1:5840");
-    EXPECT_EQ(options.listenHost, "127.0.0.1");
-    EXPECT_EQ(options.listenPort, 10084);
+    ASSERT_EQ(options.listen.size(), 1u);
+    EXPECT_EQ(options.listen[0].host, "127.0.0.1");
+    EXPECT_EQ(options.listen[0].port, 10084);
 }
