@@ -56,9 +56,11 @@ bool setUpTlsContext(
     if (!readable(config.keyFile))
         return fail(configFile, config.keyPlace, "cannot read " + config.keyFile, error);
     if (SSL_CTX_use_PrivateKey_file(&context, config.keyFile.c_str(), SSL_FILETYPE_PEM) != 1)
-        return fail(configFile, config.keyPlace, "not a PEM private key: " + openSslReason(), error);
+        return fail(
+            configFile, config.keyPlace, "not a PEM private key of cert_file: " + openSslReason(), error);
     if (SSL_CTX_check_private_key(&context) != 1)
-        return fail(configFile, config.keyPlace, "not the key of cert_file: " + openSslReason(), error);
+        return fail(
+            configFile, config.keyPlace, "not a PEM private key of cert_file: " + openSslReason(), error);
 
     if (!config.clientCaFile.empty()) {
         if (!readable(config.clientCaFile))
