@@ -251,8 +251,9 @@ TEST(ExporterProgram, DefaultArgumentsServeOnLoopback)
 
 TEST(ExporterProgram, SeveralAddressesEveryAddressAndATelemetryPath)
 {
-    ChildProcess exporter(Exporter, {"--web.listen-address", "127.0.0.1:0", "--listen", ":0",
-        "--web.telemetry-path", "/farm", "--server", "127.0.0.1:1", "--log.level", "warn"});
+    ChildProcess exporter(Exporter,
+        {"--web.listen-address", "127.0.0.1:0", "--listen", ":0", "--web.telemetry-path", "/farm", "--server",
+            "127.0.0.1:1", "--log.level", "warn"});
     const int first = exporter.listeningPort();
     const std::string second = exporter.readLine();
     ASSERT_GT(first, 0);
