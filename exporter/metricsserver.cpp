@@ -167,15 +167,16 @@ bool MetricsServer::run()
     if (m_servers.empty())
         return false;
     std::vector<std::thread> others;
-    std::vector<char> results(m_servers.size(), 0);
+    // One flag per address, so that no two threads share a vector<bool> word.
+    std::vector<unsigned char> results(m_servers.size(), 0);
     for (std::size_t i = 1; i < m_servers.size(); ++i)
-        others.emplace_back([this, i, &results] { results[i] = m_servers[i]->listen_after_bind(); });
-    results[0] = m_servers[0]->listen_after_bind();
+        others.emplace_back([this, i, &results] { results[i] = m_servers[i]->listen_after_bind() ? 1 : 0; });
+    results[0] = m_servers[0]->listen_after_bind() ? 1 : 0;
     // One address that stops serving stops them all.
     stop();
     for (std::thread& other : others)
         other.join();
-    return std::all_of(results.begin(), results.end(), [](char ok) { return ok != 0; });
+    return std::all_of(results.begin(), results.end(), [](unsigned char ok) { return ok != 0; });
 }
 
 void MetricsServer::stop()

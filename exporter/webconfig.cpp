@@ -152,7 +152,9 @@ void readHttp(const YAML::Node& http, WebConfig& config)
                 const std::string field = header.first.Scalar();
                 if (field.empty() || field.find_first_of(" :\r\n") != std::string::npos)
                     throw ConfigError {lineOf(header.first), key, "not a header name: " + field};
-                config.headers[field] = scalar(header.second, key + "." + field);
+                std::string headerKey = key;
+                headerKey.append(".").append(field);
+                config.headers[field] = scalar(header.second, headerKey);
             }
         } else {
             throw ConfigError {lineOf(entry.first), key, "unknown key"};

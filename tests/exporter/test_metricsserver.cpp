@@ -355,6 +355,8 @@ TEST(MetricsServer, StoppingAnswersAWaitingScrape)
 
 namespace {
 
+const std::chrono::milliseconds OneSecond(1000);
+
 MetricsServer::Settings httpSettings(const std::string& path, int maxRequests)
 {
     MetricsServer::Settings settings;
@@ -368,7 +370,7 @@ MetricsServer::Settings httpSettings(const std::string& path, int maxRequests)
 TEST(MetricsServer, TelemetryPathOfTheOperatorsChoice)
 {
     SimOnPort sim;
-    Served served(sim.address(), 1000ms, 5, httpSettings("/farm/metrics", 40));
+    Served served(sim.address(), OneSecond, 5, httpSettings("/farm/metrics", 40));
     const httplib::Result metrics = served.get("/farm/metrics");
     ASSERT_TRUE(metrics);
     EXPECT_EQ(metrics->status, 200);
@@ -388,7 +390,7 @@ TEST(MetricsServer, ScrapesBeyondMaxRequestsGet503AndTheIndexNeverWaits)
     ScriptedServer mute;
     mute.acceptConnection().waitForLine().waitForClose();
     mute.start();
-    Served served("127.0.0.1:" + std::to_string(mute.port()), 1000ms, 60, httpSettings("/metrics", 2));
+    Served served("127.0.0.1:" + std::to_string(mute.port()), OneSecond, 60, httpSettings("/metrics", 2));
 
     std::vector<std::thread> waiting;
     std::vector<int> statuses(2, 0);
@@ -423,7 +425,7 @@ TEST(MetricsServer, BasicAuthentication)
     // "secret", bcrypt with cost 4, as $2b$ and as $2y$
     http.web.users["prometheus"] = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
     http.web.users["grafana"] = "$2y$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
-    Served served(sim.address(), 1000ms, 5, http);
+    Served served(sim.address(), OneSecond, 5, http);
 
     const httplib::Result none = served.get("/metrics");
     ASSERT_TRUE(none);
