@@ -122,6 +122,14 @@ void ownPart(int simPort)
     std::printf("records to text, --all-batches:  median %.1f ms, max %.1f ms; %zu bytes\n", median(all),
         maximum(all), allBytes);
     std::printf("gzip of the active text: %.1f ms, %zu bytes\n", gzipMs, zipped.size());
+    for (const CollectMode mode : {CollectMode::Working, CollectMode::None}) {
+        text.clear();
+        writeFarmMetrics(farm, mode, text);
+        const long lines
+            = std::count(text.begin(), text.end(), '\n') - std::count(text.begin(), text.end(), '#');
+        std::printf(
+            "--collect.batches=%s: %zu bytes, %ld lines\n", collectModeName(mode), text.size(), lines);
+    }
 }
 
 void scrapes(int exporterPort)
