@@ -57,12 +57,6 @@ bool parseTelemetryPath(const std::string& text)
 
 } // namespace
 
-std::string ListenAddress::text(int boundPort) const
-{
-    const bool bracketed = host.find(':') != std::string::npos;
-    return (bracketed ? "[" + host + "]" : host) + ":" + std::to_string(boundPort);
-}
-
 std::string ExporterOptions::serverAddress() const
 {
     if (server.find(':') == std::string::npos)

@@ -4,17 +4,8 @@
 #include <vector>
 
 #include "collectmode.h"
+#include "listenaddress.h"
 #include "loglevel.h"
-
-struct ListenAddress
-{
-    // Empty: every address of the host (":PORT").
-    std::string host;
-    int port = 0;
-
-    // As "listening on" names it: [::1]:10084, 127.0.0.1:10084, :10084.
-    std::string text(int boundPort) const;
-};
 
 struct ExporterOptions
 {

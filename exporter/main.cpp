@@ -8,7 +8,7 @@
 
 #include "exporter.h"
 #include "exporteroptions.h"
-#include "loglevel.h"
+#include "logfilter.h"
 #include "metricsserver.h"
 #include "tlscontext.h"
 #include "version.h"

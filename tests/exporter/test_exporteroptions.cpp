@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "exporteroptions.h"
+#include "logfilter.h"
 
 namespace {
 

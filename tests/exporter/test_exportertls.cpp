@@ -41,6 +41,8 @@ public:
         : m_dir(dir)
     {
     }
+    Certificates(const Certificates&) = delete;
+    Certificates& operator=(const Certificates&) = delete;
 
     bool makeCa(const std::string& name)
     {
