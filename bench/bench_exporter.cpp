@@ -102,13 +102,13 @@ void ownPart(int simPort)
         for (const bool everyBatch : {false, true}) {
             text.clear();
             const auto start = Clock::now();
-            writeFarmMetrics(farm, everyBatch, text);
+            writeFarmMetrics(farm, everyBatch ? CollectMode::All : CollectMode::Unfinished, text);
             (everyBatch ? all : active).push_back(millisecondsSince(start));
             (everyBatch ? allBytes : activeBytes) = text.size();
         }
     }
     text.clear();
-    writeFarmMetrics(farm, false, text);
+    writeFarmMetrics(farm, CollectMode::Unfinished, text);
     const auto gzipStart = Clock::now();
     const std::string zipped = gzipCompress(text);
     const double gzipMs = millisecondsSince(gzipStart);
@@ -122,6 +122,14 @@ void ownPart(int simPort)
     std::printf("records to text, --all-batches:  median %.1f ms, max %.1f ms; %zu bytes\n", median(all),
         maximum(all), allBytes);
     std::printf("gzip of the active text: %.1f ms, %zu bytes\n", gzipMs, zipped.size());
+    for (const CollectMode mode : {CollectMode::Working, CollectMode::None}) {
+        text.clear();
+        writeFarmMetrics(farm, mode, text);
+        const long lines
+            = std::count(text.begin(), text.end(), '\n') - std::count(text.begin(), text.end(), '#');
+        std::printf(
+            "--collect.batches=%s: %zu bytes, %ld lines\n", collectModeName(mode), text.size(), lines);
+    }
 }
 
 void scrapes(int exporterPort)

@@ -92,7 +92,7 @@ void Exporter::run()
         m_reader.read(m_snapshot, deadline, start);
         std::string text;
         text.reserve(m_lastSize + m_lastSize / 8);
-        writeFarmMetrics(m_snapshot, m_settings.allBatches, text);
+        writeFarmMetrics(m_snapshot, m_settings.collectBatches, text);
         const auto end = MetricsPage::Clock::now();
         writeScrapeDuration(std::chrono::duration<double>(end - start).count(), text);
         m_lastSize = text.size();

@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "collectmode.h"
 #include "farmreader.h"
 #include "farmsnapshot.h"
 #include "metricspage.h"
@@ -33,7 +34,7 @@ public:
     struct Settings
     {
         std::string server = "127.0.0.1";
-        bool allBatches = false;
+        CollectMode collectBatches = CollectMode::Unfinished;
         int serverTimeoutSeconds = 5;
         std::chrono::milliseconds reuseFor {1000};
     };

@@ -3,13 +3,21 @@
 #include <string>
 #include <vector>
 
+#include "collectmode.h"
+#include "listenaddress.h"
+#include "loglevel.h"
+
 struct ExporterOptions
 {
     // Given to ControlClient::connect as it is: a ":PORT" overrides 5840.
     std::string server = "127.0.0.1";
-    std::string listenHost = "127.0.0.1";
-    int listenPort = 10084;
-    bool allBatches = false;
+    // The default 127.0.0.1:10084 when none is given.
+    std::vector<ListenAddress> listen;
+    std::string telemetryPath = "/metrics";
+    std::string webConfigFile;
+    int maxRequests = 40;
+    LogLevel logLevel = LogLevel::Info;
+    CollectMode collectBatches = CollectMode::Unfinished;
     int serverTimeoutSeconds = 5;
     bool help = false;
     bool version = false;

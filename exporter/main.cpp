@@ -8,8 +8,11 @@
 
 #include "exporter.h"
 #include "exporteroptions.h"
+#include "logfilter.h"
 #include "metricsserver.h"
+#include "tlscontext.h"
 #include "version.h"
+#include "webconfig.h"
 
 namespace {
 
@@ -41,6 +44,17 @@ int main(int argc, char** argv)
         return ExitStopped;
     }
 
+    MetricsServer::Settings http;
+    http.telemetryPath = options.telemetryPath;
+    http.maxRequests = options.maxRequests;
+    http.webConfigFile = options.webConfigFile;
+    if (!options.webConfigFile.empty()
+        && (!readWebConfig(options.webConfigFile, http.web, error)
+            || (http.web.tls && !checkTlsFiles(http.web, options.webConfigFile, error)))) {
+        std::cerr << Prefix << error << std::endl;
+        return ExitUsage;
+    }
+
     // Blocked before any thread starts, so that every thread inherits the
     // mask and only the waiting thread below takes the signals.
     sigset_t endSignals;
@@ -50,19 +64,22 @@ int main(int argc, char** argv)
     pthread_sigmask(SIG_BLOCK, &endSignals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
 
+    LogFilter filter(std::cerr.rdbuf(), options.logLevel);
+    std::ostream log(&filter);
     Exporter::Settings settings;
     settings.server = options.server;
-    settings.allBatches = options.allBatches;
+    settings.collectBatches = options.collectBatches;
     settings.serverTimeoutSeconds = options.serverTimeoutSeconds;
-    Exporter exporter(settings, std::cerr);
-    MetricsServer server(exporter, options.serverAddress());
-    if (!server.bind(options.listenHost, options.listenPort, error)) {
-        std::cerr << Prefix << error << std::endl;
-        return ExitCannotListen;
+    Exporter exporter(settings, log);
+    MetricsServer server(exporter, options.serverAddress(), http);
+    for (const ListenAddress& address : options.listen) {
+        if (!server.bind(address.host, address.port, error)) {
+            std::cerr << Prefix << error << std::endl;
+            return ExitCannotListen;
+        }
     }
-    const bool bracketed = options.listenHost.find(':') != std::string::npos;
-    std::cout << "listening on " << (bracketed ? "[" : "") << options.listenHost << (bracketed ? "]" : "")
-              << ":" << server.port() << std::endl;
+    for (std::size_t i = 0; i < options.listen.size(); ++i)
+        std::cout << "listening on " << options.listen[i].text(server.port(i)) << std::endl;
     // The client library's console lines would repeat with every reading (a
     // line per skipped parameter object); this program logs on standard error.
     std::cout.rdbuf(nullptr);
@@ -84,6 +101,6 @@ int main(int argc, char** argv)
     served = true;
     ::kill(::getpid(), SIGTERM); // wakes the waiter if serving ended by itself
     signalWaiter.join();
-    std::cerr << Prefix << "stopped" << std::endl;
+    log << Prefix << "stopped" << std::endl;
     return ok ? ExitStopped : ExitCannotListen;
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "buildinfo.h"
 #include "exposition.h"
 
 namespace {
@@ -14,6 +15,12 @@ using Node = ControlClient::NodeInfo;
 constexpr int StatusCount = 6;
 const char* const StatusLabels[StatusCount]
     = {"pending", "working", "completed", "paused", "aborted", "ready"};
+
+int statusIndex(int status)
+{
+    // The client reads unknown words as pending; values outside the range cannot come from it.
+    return status >= 0 && status < StatusCount ? status : 0;
+}
 
 // One series of a family: name{labels} value
 template <typename Value>
@@ -40,94 +47,150 @@ void appendStatusCounts(
     }
 }
 
-// The labels that name one node or batch: its id and its host or project.
-std::string idLabels(const char* idName, std::uint32_t id, const char* textName, const std::string& text)
+std::string idLabel(const char* idName, std::uint32_t id)
 {
-    std::string labels = idName;
-    labels += "=\"";
-    appendValue(labels, std::int64_t {id});
-    labels += "\",";
-    labels += textName;
-    labels += "=\"";
-    appendLabelValue(labels, text);
-    labels += '"';
-    return labels;
+    std::string label = idName;
+    label += "=\"";
+    appendValue(label, std::int64_t {id});
+    label += '"';
+    return label;
 }
 
-bool exported(const Batch& batch, bool allBatches)
+void appendTextLabel(std::string& labels, const char* name, const std::string& value)
 {
-    return allBatches || batch.status == ControlClient::Pending || batch.status == ControlClient::InProgress
+    labels += ',';
+    labels += name;
+    labels += "=\"";
+    appendLabelValue(labels, value);
+    labels += '"';
+}
+
+// One 0/1 series per status word of the list, 1 for the current one.
+void appendStatusSeries(
+    std::string& out, const char* name, const std::string& id, int status, const std::vector<int>& statuses)
+{
+    for (const int each : statuses) {
+        out += name;
+        out += '{';
+        out += id;
+        out += ",status=\"";
+        out += StatusLabels[each];
+        out += "\"} ";
+        out += each == statusIndex(status) ? '1' : '0';
+        out += '\n';
+    }
+}
+
+bool collected(const Batch& batch, CollectMode mode)
+{
+    switch (mode) {
+    case CollectMode::All:
+        return true;
+    case CollectMode::None:
+        return false;
+    case CollectMode::Working:
+        return batch.status == ControlClient::InProgress;
+    case CollectMode::Unfinished:
+        break;
+    }
+    return batch.status == ControlClient::Pending || batch.status == ControlClient::InProgress
         || batch.status == ControlClient::Paused;
+}
+
+// The status words a collected batch can have: a batch that leaves them
+// leaves the series altogether.
+std::vector<int> batchStatuses(CollectMode mode)
+{
+    switch (mode) {
+    case CollectMode::All:
+        return {0, 1, 2, 3, 4, 5};
+    case CollectMode::Working:
+        return {ControlClient::InProgress};
+    case CollectMode::None:
+        return {};
+    case CollectMode::Unfinished:
+        break;
+    }
+    return {ControlClient::Pending, ControlClient::InProgress, ControlClient::Paused};
 }
 
 void writeNodes(const ControlClient::NodeList& nodes, std::string& out)
 {
-    std::vector<std::string> labels;
-    labels.reserve(nodes.size());
+    std::vector<std::string> ids;
+    ids.reserve(nodes.size());
     for (const Node& node : nodes)
-        labels.push_back(idLabels("node_id", node.nodeId, "host", node.hostname));
+        ids.push_back(idLabel("node_id", node.nodeId));
 
     appendFamily(
-        out, "korvane_node_info", "gauge", "A worker node's version and status; the value is always 1.");
+        out, "korvane_node_info", "gauge", "A worker node's host and version; the value is always 1.");
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        std::string info = labels[i] + ",version=\"";
-        appendLabelValue(info, nodes[i].version);
-        info += "\",status=\"";
-        info += statusLabel(nodes[i].status);
-        info += '"';
+        std::string info = ids[i];
+        appendTextLabel(info, "host", nodes[i].hostname);
+        appendTextLabel(info, "version", nodes[i].version);
         appendSeries(out, "korvane_node_info", info, std::int64_t {1});
     }
+
+    static const std::vector<int> AllStatuses {0, 1, 2, 3, 4, 5};
+    appendFamily(
+        out, "korvane_node_status", "gauge", "1 for the worker node's current status, 0 for the others.");
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        appendStatusSeries(out, "korvane_node_status", ids[i], nodes[i].status, AllStatuses);
 
     appendFamily(
         out, "korvane_node_priority", "gauge", "A worker node's priority, from -2 (lowest) to 2 (highest).");
     for (std::size_t i = 0; i < nodes.size(); ++i)
-        appendSeries(out, "korvane_node_priority", labels[i], std::int64_t {nodes[i].priority});
+        appendSeries(out, "korvane_node_priority", ids[i], std::int64_t {nodes[i].priority});
 
     appendFamily(out, "korvane_node_progress_ratio", "gauge",
         "Progress of the node's share of its current task, 0 to 1.");
     for (std::size_t i = 0; i < nodes.size(); ++i)
-        appendSeries(out, "korvane_node_progress_ratio", labels[i], nodes[i].progress / 100.0);
+        appendSeries(out, "korvane_node_progress_ratio", ids[i], nodes[i].progress / 100.0);
 
     appendFamily(out, "korvane_node_errors_total", "counter", "Errors the worker node has reported.");
     for (std::size_t i = 0; i < nodes.size(); ++i)
-        appendSeries(out, "korvane_node_errors_total", labels[i], std::int64_t {nodes[i].errorCount});
+        appendSeries(out, "korvane_node_errors_total", ids[i], std::int64_t {nodes[i].errorCount});
 
     appendFamily(out, "korvane_node_last_error_timestamp_seconds", "gauge",
         "Time of the worker node's last error, in seconds since the Unix epoch; absent before the first.");
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         if (nodes[i].lastError.time != 0)
-            appendSeries(out, "korvane_node_last_error_timestamp_seconds", labels[i],
+            appendSeries(out, "korvane_node_last_error_timestamp_seconds", ids[i],
                 std::int64_t {nodes[i].lastError.time});
     }
 }
 
-void writeBatches(const ControlClient::BatchList& all, bool allBatches, std::string& out)
+void writeBatches(const ControlClient::BatchList& all, CollectMode mode, std::string& out)
 {
+    if (mode == CollectMode::None)
+        return;
     std::vector<const Batch*> batches;
-    std::vector<std::string> labels;
+    std::vector<std::string> ids;
     for (const Batch& batch : all) {
-        if (!exported(batch, allBatches))
+        if (!collected(batch, mode))
             continue;
         batches.push_back(&batch);
-        labels.push_back(idLabels("batch_id", batch.batchId, "project", batch.path));
+        ids.push_back(idLabel("batch_id", batch.batchId));
     }
 
     appendFamily(
-        out, "korvane_batch_info", "gauge", "A batch's current task and status; the value is always 1.");
+        out, "korvane_batch_info", "gauge", "A batch's project and current task; the value is always 1.");
     for (std::size_t i = 0; i < batches.size(); ++i) {
-        std::string info = labels[i] + ",task=\"";
-        appendLabelValue(info, batches[i]->task.name);
-        info += "\",status=\"";
-        info += statusLabel(batches[i]->status);
-        info += '"';
+        std::string info = ids[i];
+        appendTextLabel(info, "project", batches[i]->path);
+        appendTextLabel(info, "task", batches[i]->task.name);
         appendSeries(out, "korvane_batch_info", info, std::int64_t {1});
     }
+
+    const std::vector<int> statuses = batchStatuses(mode);
+    appendFamily(out, "korvane_batch_status", "gauge", "1 for the batch's current status, 0 for the others.");
+    for (std::size_t i = 0; i < batches.size(); ++i)
+        appendStatusSeries(out, "korvane_batch_status", ids[i], batches[i]->status, statuses);
 
     const auto family
         = [&](const char* name, const char* help, const std::function<double(const Batch&)>& value) {
               appendFamily(out, name, "gauge", help);
               for (std::size_t i = 0; i < batches.size(); ++i)
-                  appendSeries(out, name, labels[i], value(*batches[i]));
+                  appendSeries(out, name, ids[i], value(*batches[i]));
           };
     family("korvane_batch_priority", "A batch's priority, from -2 (lowest) to 2 (highest).",
         [](const Batch& batch) { return batch.priority; });
@@ -149,33 +212,45 @@ void writeBatches(const ControlClient::BatchList& all, bool allBatches, std::str
         "Time the batch started, in seconds since the Unix epoch; absent before it starts.");
     for (std::size_t i = 0; i < batches.size(); ++i) {
         if (batches[i]->timeStarted != 0)
-            appendSeries(out, "korvane_batch_started_timestamp_seconds", labels[i],
+            appendSeries(out, "korvane_batch_started_timestamp_seconds", ids[i],
                 std::int64_t {batches[i]->timeStarted});
     }
+}
+
+void writeBuildInfo(std::string& out)
+{
+    appendFamily(out, "korvane_exporter_build_info", "gauge",
+        "The exporter's version, source revision and compiler; the value is always 1.");
+    std::string labels = "version=\"";
+    appendLabelValue(labels, BuildInfo::version());
+    labels += '"';
+    appendTextLabel(labels, "revision", BuildInfo::revision());
+    appendTextLabel(labels, "compiler", BuildInfo::compiler());
+    appendSeries(out, "korvane_exporter_build_info", labels, std::int64_t {1});
 }
 
 } // namespace
 
 const char* statusLabel(int status)
 {
-    // The client reads unknown words as pending; values outside the range cannot come from it.
-    return status >= 0 && status < StatusCount ? StatusLabels[status] : StatusLabels[0];
+    return StatusLabels[statusIndex(status)];
 }
 
-void writeFarmMetrics(const FarmSnapshot& farm, bool allBatches, std::string& out)
+void writeFarmMetrics(const FarmSnapshot& farm, CollectMode batches, std::string& out)
 {
     appendFamily(out, "korvane_up", "gauge",
         "1 when this scrape's requests to the processing server succeeded, else 0.");
     out += farm.up ? "korvane_up 1\n" : "korvane_up 0\n";
+    writeBuildInfo(out);
     if (!farm.up)
         return;
 
     std::array<std::int64_t, StatusCount> batchCounts {};
     for (const Batch& batch : farm.batches)
-        ++batchCounts[batch.status >= 0 && batch.status < StatusCount ? batch.status : 0];
+        ++batchCounts[statusIndex(batch.status)];
     std::array<std::int64_t, StatusCount> nodeCounts {};
     for (const Node& node : farm.nodes)
-        ++nodeCounts[node.status >= 0 && node.status < StatusCount ? node.status : 0];
+        ++nodeCounts[statusIndex(node.status)];
 
     appendFamily(out, "korvane_batches", "gauge", "Batches on the processing server, by status.");
     appendStatusCounts(out, "korvane_batches", batchCounts);
@@ -183,7 +258,7 @@ void writeFarmMetrics(const FarmSnapshot& farm, bool allBatches, std::string& ou
     appendStatusCounts(out, "korvane_nodes", nodeCounts);
 
     writeNodes(farm.nodes, out);
-    writeBatches(farm.batches, allBatches, out);
+    writeBatches(farm.batches, batches, out);
 }
 
 void writeScrapeDuration(double seconds, std::string& out)

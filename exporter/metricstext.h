@@ -2,14 +2,20 @@
 
 #include <string>
 
+#include "collectmode.h"
 #include "farmsnapshot.h"
 
 // The farm as Prometheus metrics in the text exposition format, each family
-// with its HELP and TYPE lines. korvane_up comes first; without a reading
-// (up false) it is the only family. Batches that are completed, aborted or
-// ready are left out unless allBatches is set, so that the series stay
-// bounded while finished batches pile up on the server.
-void writeFarmMetrics(const FarmSnapshot& farm, bool allBatches, std::string& out);
+// with its HELP and TYPE lines. korvane_up comes first, then
+// korvane_exporter_build_info; without a reading (up false) they are the only
+// families.
+//
+// A series' labels never change while the node or batch lives: the texts
+// (host, version, project, current task) are on one _info series each, the
+// status is one 0/1 series per status word, and every other family carries
+// the id alone, to be joined with the _info series by group_left. Which
+// batches have series is up to the collect mode.
+void writeFarmMetrics(const FarmSnapshot& farm, CollectMode batches, std::string& out);
 
 // korvane_scrape_duration_seconds, written last, once the rest is written.
 void writeScrapeDuration(double seconds, std::string& out);

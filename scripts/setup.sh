@@ -16,6 +16,8 @@ packages=(
     libcpp-httplib-dev prometheus systemd
     # network namespaces, veth pairs and tc for the network fault tests
     iproute2
+    # the exporter's web configuration: YAML, TLS, bcrypt through crypt(), and its tests
+    libyaml-cpp-dev libssl-dev libcrypt-dev openssl curl
     clang libclang-rt-14-dev clang-tidy cppcheck
     # the accessibility tests: the AT-SPI bus read from Python, keys sent by xdotool
     at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool

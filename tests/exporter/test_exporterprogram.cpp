@@ -130,17 +130,19 @@ TEST(ExporterProgram, PromtoolFindsNoProblemInTheRealOutput)
     std::this_thread::sleep_for(1s); // a moving farm: nodes at work, errors, batches of every status
     TempDir dir;
     for (const bool all : {false, true}) {
-        std::vector<std::string> args {
-            "--listen", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(simPort)};
-        if (all)
-            args.push_back("--all-batches");
+        std::vector<std::string> args {"--web.listen-address", "127.0.0.1:0", "--server",
+            "127.0.0.1:" + std::to_string(simPort),
+            all ? "--collect.batches=all" : "--collect.batches=unfinished"};
         ChildProcess exporter(Exporter, args);
         const int port = exporter.listeningPort();
         ASSERT_GT(port, 0);
         const std::string body = scrape(port);
         ASSERT_NE(body.find("\nkorvane_up 1\n"), std::string::npos);
         ASSERT_NE(body.find("\nkorvane_node_last_error_timestamp_seconds{"), std::string::npos);
+        ASSERT_NE(body.find("korvane_batch_status{"), std::string::npos);
         ASSERT_NE(body.find("status=\"working\"} 1\n"), std::string::npos);
+        ASSERT_NE(
+            body.find("\nkorvane_exporter_build_info{version=\"0.1.0.2834\",revision=\""), std::string::npos);
         const std::string file = dir.write(all ? "all.txt" : "active.txt", body);
         std::string output;
         EXPECT_EQ(runCommand("promtool check metrics < " + file, output), 0) << output;
@@ -168,24 +170,42 @@ TEST(ExporterProgram, SystemdAcceptsTheUnit)
     // A root with the unit and the program where the package puts them, and systemd's own units.
     TempDir root;
     std::string output;
-    ASSERT_EQ(runCommand("mkdir -p " + root.file("usr/bin") + " " + root.file("usr/lib/systemd")
-                      + " && cp -r " + "/usr/lib/systemd/system " + root.file("usr/lib/systemd/") + " && cp "
-                      + Exporter + " " + root.file("usr/bin/") + " && cp " + SourceDir
-                      + "/korvane-exporter.service " + root.file("usr/lib/systemd/system/"),
-                  output),
+    ASSERT_EQ(
+        runCommand("mkdir -p " + root.file("usr/bin") + " " + root.file("usr/lib/systemd") + " && cp -r "
+                + "/usr/lib/systemd/system " + root.file("usr/lib/systemd/") + " && cp " + Exporter + " "
+                + root.file("usr/bin/") + " && cp " + SourceDir + "/korvane-exporter.service " + SourceDir
+                + "/korvane-exporter@.service " + root.file("usr/lib/systemd/system/"),
+            output),
         0)
         << output;
     // --man=no: the manual page is installed by the package, not on the build machine.
-    EXPECT_EQ(
-        runCommand(
-            "systemd-analyze verify --man=no --root=" + root.path() + " korvane-exporter.service", output),
+    EXPECT_EQ(runCommand("systemd-analyze verify --man=no --root=" + root.path()
+                      + " korvane-exporter.service korvane-exporter@farm-a.service",
+                  output),
         0)
         << output;
     EXPECT_EQ(output, "");
 
+    // The hardening systemd asks for, to an exposure of 2.0 or lower (its
+    // threshold counts in tenths); the same check refuses 0.5.
+    for (const char* unit : {"korvane-exporter.service", "korvane-exporter@farm-a.service"}) {
+        const std::string security = "systemd-analyze security --offline=yes --root=" + root.path() + " ";
+        EXPECT_EQ(runCommand(security + "--threshold=20 " + unit, output), 0) << output;
+        EXPECT_NE(
+            output.find(std::string("Overall exposure level for ") + unit + ": 0.9 SAFE"), std::string::npos)
+            << output;
+        EXPECT_NE(runCommand(security + "--threshold=5 " + unit, output), 0) << output;
+    }
+    const std::string instance = readFile(SourceDir + "/korvane-exporter@.service");
+    for (const char* line : {"\nEnvironmentFile=/etc/default/korvane-exporter-%i\n",
+             "\nExecStart=/usr/bin/korvane-exporter $ARGS\n", "\nTimeoutStopSec=10\n", "\nDynamicUser=yes\n",
+             "\nSystemCallFilter=@system-service\n", "\nProtectProc=invisible\n", "\nProcSubset=pid\n",
+             "\nUMask=0077\n", "\nIPAddressDeny=any\n"})
+        EXPECT_NE(instance.find(line), std::string::npos) << line;
+
     const std::string unit = readFile(SourceDir + "/korvane-exporter.service");
     for (const char* line : {"\nDynamicUser=yes\n", "\nNoNewPrivileges=yes\n", "\nProtectSystem=strict\n",
-             "\nEnvironmentFile=-/etc/default/korvane-exporter\n",
+             "\nTimeoutStopSec=10\n", "\nEnvironmentFile=-/etc/default/korvane-exporter\n",
              "\nExecStart=/usr/bin/korvane-exporter $ARGS\n"})
         EXPECT_NE(unit.find(line), std::string::npos) << line;
 
@@ -209,19 +229,46 @@ TEST(ExporterProgram, SystemdAcceptsTheUnit)
 
 TEST(ExporterProgram, DefaultArgumentsServeOnLoopback)
 {
-    const std::string text = readFile(SourceDir + "/korvane-exporter.default");
-    const std::size_t start = text.find("\nARGS=\"");
-    ASSERT_NE(start, std::string::npos);
-    const std::size_t end = text.find("\"\n", start + 7);
-    ASSERT_NE(end, std::string::npos);
-    std::istringstream words(text.substr(start + 7, end - start - 7));
-    std::vector<std::string> args;
-    for (std::string word; words >> word;)
-        args.push_back(word);
-    ExporterOptions options;
-    std::string error;
-    ASSERT_TRUE(parseExporterOptions(args, options, error)) << error;
-    EXPECT_EQ(options.serverAddress(), "127.0.0.1:5840");
-    EXPECT_EQ(options.listenHost, "127.0.0.1");
-    EXPECT_EQ(options.listenPort, 10084);
+    for (const char* file : {"/korvane-exporter.default", "/korvane-exporter-instance.default"}) {
+        const std::string text = readFile(SourceDir + file);
+        const std::size_t start = text.find("\nARGS=\"");
+        ASSERT_NE(start, std::string::npos);
+        const std::size_t end = text.find("\"\n", start + 7);
+        ASSERT_NE(end, std::string::npos);
+        std::istringstream words(text.substr(start + 7, end - start - 7));
+        std::vector<std::string> args;
+        for (std::string word; words >> word;)
+            args.push_back(word);
+        ExporterOptions options;
+        std::string error;
+        ASSERT_TRUE(parseExporterOptions(args, options, error)) << error;
+        EXPECT_EQ(options.serverAddress(), "127.0.0.1:5840");
+        ASSERT_EQ(options.listen.size(), 1u);
+        EXPECT_EQ(options.listen[0].host, "127.0.0.1");
+        EXPECT_EQ(options.listen[0].port, 10084);
+    }
+}
+
+TEST(ExporterProgram, SeveralAddressesEveryAddressAndATelemetryPath)
+{
+    ChildProcess exporter(Exporter,
+        {"--web.listen-address", "127.0.0.1:0", "--listen", ":0", "--web.telemetry-path", "/farm", "--server",
+            "127.0.0.1:1", "--log.level", "warn"});
+    const int first = exporter.listeningPort();
+    const std::string second = exporter.readLine();
+    ASSERT_GT(first, 0);
+    ASSERT_EQ(second.rfind("listening on :", 0), 0u) << second;
+    const int every = std::stoi(second.substr(14));
+    for (const int port : {first, every}) {
+        httplib::Client client("127.0.0.1", port);
+        const httplib::Result result = client.Get("/farm");
+        ASSERT_TRUE(result) << port;
+        EXPECT_EQ(result->status, 200);
+        EXPECT_NE(result->body.find("\nkorvane_up 0\n"), std::string::npos);
+        EXPECT_EQ(client.Get("/metrics")->status, 404);
+    }
+    exporter.signal(SIGTERM);
+    EXPECT_EQ(exporter.wait(), 0);
+    // At warn the failed reading is logged, the stop is not.
+    EXPECT_EQ(exporter.err(), "korvane-exporter: cannot connect to 127.0.0.1:1; next attempt in 1 s\n");
 }

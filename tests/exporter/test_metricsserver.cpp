@@ -1,12 +1,14 @@
 #include <atomic>
 #include <chrono>
 #include <httplib.h>
+#include <openssl/evp.h>
 #include <sstream>
 #include <thread>
 #include <zlib.h>
 
 #include <gtest/gtest.h>
 
+#include "buildinfo.h"
 #include "consolecapture.h"
 #include "exporter.h"
 #include "exportertestsupport.h"
@@ -46,7 +48,11 @@ std::string withoutDuration(const std::string& body)
 
 const std::string DownBody
     = "# HELP korvane_up 1 when this scrape's requests to the processing server succeeded, "
-      "else 0.\n# TYPE korvane_up gauge\nkorvane_up 0\n";
+      "else 0.\n# TYPE korvane_up gauge\nkorvane_up 0\n"
+      "# HELP korvane_exporter_build_info The exporter's version, source revision and compiler; the value is "
+      "always 1.\n# TYPE korvane_exporter_build_info gauge\n"
+      "korvane_exporter_build_info{version=\"0.1.0.2834\",revision=\""
+    + std::string(BuildInfo::revision()) + "\",compiler=\"" + BuildInfo::compiler() + "\"} 1\n";
 
 // The simulator's farm of seed 1, its clock standing still.
 const std::string FrozenFarmCounts = R"(korvane_batches{status="pending"} 16
@@ -69,9 +75,10 @@ korvane_nodes{status="ready"} 8
 class Served final
 {
 public:
-    Served(const std::string& server, std::chrono::milliseconds reuseFor = 1000ms, int serverTimeout = 5)
+    Served(const std::string& server, std::chrono::milliseconds reuseFor = 1000ms, int serverTimeout = 5,
+        const MetricsServer::Settings& http = MetricsServer::Settings())
         : m_exporter(settings(server, reuseFor, serverTimeout), m_log)
-        , m_http(m_exporter, server)
+        , m_http(m_exporter, server, http)
     {
         std::string error;
         EXPECT_TRUE(m_http.bind("127.0.0.1", 0, error)) << error;
@@ -97,6 +104,7 @@ public:
     httplib::Result get(const std::string& path, const httplib::Headers& headers = {})
     {
         httplib::Client client("127.0.0.1", m_http.port());
+        client.set_connection_timeout(5, 0);
         client.set_decompress(false);
         client.set_read_timeout(30, 0);
         return client.Get(path.c_str(), headers);
@@ -289,12 +297,13 @@ TEST(MetricsServer, AProjectPathWithQuoteBackslashAndLineFeed)
     }
     Served served(sim.address());
     const std::string body = served.metrics();
-    const std::string labels = "batch_id=\"" + std::to_string(id)
-        + "\",project=\"/srv/a \\\"quoted\\\" name\\\\sub\\\\\\nsecond line/Brücke-Süd.kproj\"";
-    EXPECT_NE(body.find("korvane_batch_info{" + labels + ",task=\"AlignCameras\",status=\"pending\"} 1\n"),
-        std::string::npos)
+    const std::string idLabel = "batch_id=\"" + std::to_string(id) + "\"";
+    const std::string labels
+        = idLabel + ",project=\"/srv/a \\\"quoted\\\" name\\\\sub\\\\\\nsecond line/Brücke-Süd.kproj\"";
+    EXPECT_NE(body.find("korvane_batch_info{" + labels + ",task=\"AlignCameras\"} 1\n"), std::string::npos)
         << body.substr(body.find("korvane_batch_info"), 2000);
-    EXPECT_NE(body.find("korvane_batch_priority{" + labels + "} 0\n"), std::string::npos);
+    EXPECT_NE(body.find("korvane_batch_status{" + idLabel + ",status=\"pending\"} 1\n"), std::string::npos);
+    EXPECT_NE(body.find("korvane_batch_priority{" + idLabel + "} 0\n"), std::string::npos);
 }
 
 TEST(MetricsServer, AMemberOfTheWrongTypeGivesUpZeroAndTheExporterGoesOn)
@@ -320,8 +329,8 @@ TEST(MetricsServer, AMemberOfTheWrongTypeGivesUpZeroAndTheExporterGoesOn)
 
     const std::string body = served.metrics();
     EXPECT_NE(body.find("korvane_up 1\n"), std::string::npos);
-    EXPECT_NE(body.find("korvane_node_info{node_id=\"1\",host=\"h\",version=\"\",status=\"pending\"} 1\n"),
-        std::string::npos);
+    EXPECT_NE(body.find("korvane_node_info{node_id=\"1\",host=\"h\",version=\"\"} 1\n"), std::string::npos);
+    EXPECT_NE(body.find("korvane_node_status{node_id=\"1\",status=\"pending\"} 1\n"), std::string::npos);
     EXPECT_EQ(served.log(), "korvane-exporter: reading " + address + "\n");
 }
 
@@ -342,4 +351,150 @@ TEST(MetricsServer, StoppingAnswersAWaitingScrape)
     EXPECT_EQ(result->status, 503);
     EXPECT_EQ(result->body, "The exporter is stopping.\n");
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+namespace {
+
+const std::chrono::milliseconds OneSecond(1000);
+
+MetricsServer::Settings httpSettings(const std::string& path, int maxRequests)
+{
+    MetricsServer::Settings settings;
+    settings.telemetryPath = path;
+    settings.maxRequests = maxRequests;
+    return settings;
+}
+
+} // namespace
+
+TEST(MetricsServer, TelemetryPathOfTheOperatorsChoice)
+{
+    SimOnPort sim;
+    Served served(sim.address(), OneSecond, 5, httpSettings("/farm/metrics", 40));
+    const httplib::Result metrics = served.get("/farm/metrics");
+    ASSERT_TRUE(metrics);
+    EXPECT_EQ(metrics->status, 200);
+    EXPECT_NE(metrics->body.find("\nkorvane_up 1\n"), std::string::npos);
+    const httplib::Result old = served.get("/metrics");
+    ASSERT_TRUE(old);
+    EXPECT_EQ(old->status, 404);
+    EXPECT_EQ(old->body, "404 page not found; the metrics are at /farm/metrics\n");
+    const httplib::Result index = served.get("/");
+    ASSERT_TRUE(index);
+    EXPECT_NE(index->body.find("<a href=\"/farm/metrics\">Metrics</a>"), std::string::npos);
+}
+
+TEST(MetricsServer, ScrapesBeyondMaxRequestsGet503AndTheIndexNeverWaits)
+{
+    // A server that never answers: every scrape waits on the one reading.
+    ScriptedServer mute;
+    mute.acceptConnection().waitForLine().waitForClose();
+    mute.start();
+    Served served("127.0.0.1:" + std::to_string(mute.port()), OneSecond, 60, httpSettings("/metrics", 2));
+
+    std::vector<std::thread> waiting;
+    std::vector<int> statuses(2, 0);
+    for (std::size_t i = 0; i < 2; ++i) {
+        waiting.emplace_back([&, i] {
+            const httplib::Result result = served.get("/metrics");
+            statuses[i] = result ? result->status : -1;
+        });
+    }
+    std::this_thread::sleep_for(500ms);
+    const auto start = std::chrono::steady_clock::now();
+    const httplib::Result third = served.get("/metrics");
+    ASSERT_TRUE(third);
+    EXPECT_EQ(third->status, 503);
+    EXPECT_EQ(third->body, "Too many scrapes at the same time; the limit is 2 (--web.max-requests).\n");
+    const httplib::Result index = served.get("/");
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->status, 200);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+
+    served.exporter().stop();
+    for (std::thread& thread : waiting)
+        thread.join();
+    EXPECT_EQ(statuses, (std::vector<int> {503, 503}));
+    EXPECT_TRUE(mute.finish());
+}
+
+TEST(MetricsServer, BasicAuthentication)
+{
+    SimOnPort sim;
+    MetricsServer::Settings http;
+    // "secret", bcrypt with cost 4, as $2b$ and as $2y$
+    http.web.users["prometheus"] = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
+    http.web.users["grafana"] = "$2y$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
+    Served served(sim.address(), OneSecond, 5, http);
+
+    const httplib::Result none = served.get("/metrics");
+    ASSERT_TRUE(none);
+    EXPECT_EQ(none->status, 401);
+    EXPECT_EQ(
+        none->get_header_value("WWW-Authenticate"), "Basic realm=\"korvane-exporter\", charset=\"UTF-8\"");
+    EXPECT_EQ(none->body, "Unauthorized\n");
+    const auto basic = [](const std::string& pair) {
+        std::string encoded(4 * ((pair.size() + 2) / 3) + 1, '\0');
+        const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(encoded.data()),
+            reinterpret_cast<const unsigned char*>(pair.data()), static_cast<int>(pair.size()));
+        encoded.resize(static_cast<std::size_t>(length));
+        return httplib::Headers {{"Authorization", "Basic " + encoded}};
+    };
+    for (const char* wrong : {"prometheus:Secret", "prometheus:", "alertmanager:secret", "prometheus", ""}) {
+        const httplib::Result refused = served.get("/metrics", basic(wrong));
+        ASSERT_TRUE(refused);
+        EXPECT_EQ(refused->status, 401) << wrong;
+    }
+    const httplib::Result bearer = served.get("/", {{"Authorization", "Bearer secret"}});
+    ASSERT_TRUE(bearer);
+    EXPECT_EQ(bearer->status, 401);
+    // The index and unknown paths ask too.
+    EXPECT_EQ(served.get("/")->status, 401);
+    EXPECT_EQ(served.get("/nope")->status, 401);
+    EXPECT_EQ(served.exporter().readings(), 0u);
+
+    for (const char* right : {"prometheus:secret", "prometheus:secret", "grafana:secret"}) {
+        const httplib::Result result = served.get("/metrics", basic(right));
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->status, 200) << right;
+        EXPECT_NE(result->body.find("\nkorvane_up 1\n"), std::string::npos);
+    }
+    // Once let in, a wrong password is still refused.
+    EXPECT_EQ(served.get("/metrics", basic("prometheus:secret2"))->status, 401);
+}
+
+TEST(MetricsServer, SeveralAddresses)
+{
+    SimOnPort sim;
+    std::ostringstream log;
+    ConsoleCapture console;
+    Exporter::Settings settings;
+    settings.server = sim.address();
+    Exporter exporter(settings, log);
+    MetricsServer http(exporter, sim.address());
+    std::string error;
+    ASSERT_TRUE(http.bind("127.0.0.1", 0, error)) << error;
+    ASSERT_TRUE(http.bind("127.0.0.1", 0, error)) << error;
+    EXPECT_FALSE(http.bind("127.0.0.1", http.port(0), error));
+    EXPECT_EQ(
+        error, "cannot listen on 127.0.0.1:" + std::to_string(http.port(0)) + ": Address already in use");
+    std::atomic<bool> ended {false};
+    std::thread serving([&] {
+        http.run();
+        ended = true;
+    });
+    for (const std::size_t address : {0u, 1u}) {
+        httplib::Client client("127.0.0.1", http.port(address));
+        const httplib::Result result = client.Get("/metrics");
+        ASSERT_TRUE(result) << address;
+        EXPECT_EQ(result->status, 200);
+        EXPECT_NE(result->body.find("\nkorvane_up 1\n"), std::string::npos);
+    }
+    EXPECT_NE(http.port(0), http.port(1));
+    exporter.stop();
+    while (!ended) {
+        http.stop();
+        std::this_thread::sleep_for(10ms);
+    }
+    serving.join();
 }

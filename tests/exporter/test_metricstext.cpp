@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "buildinfo.h"
 #include "metricstext.h"
 
 namespace {
@@ -56,11 +57,26 @@ FarmSnapshot smallFarm()
     return farm;
 }
 
-const char* const Header
+const char* const UpZero
+    = R"(# HELP korvane_up 1 when this scrape's requests to the processing server succeeded, else 0.
+# TYPE korvane_up gauge
+korvane_up 0
+)";
+
+// The revision and compiler are the build's; the version is the project's.
+const std::string BuildInfoText
+    = std::string(
+          "# HELP korvane_exporter_build_info The exporter's version, source revision and compiler; the "
+          "value is always 1.\n# TYPE korvane_exporter_build_info gauge\n"
+          "korvane_exporter_build_info{version=\"0.1.0.2834\",revision=\"")
+    + BuildInfo::revision() + "\",compiler=\"" + BuildInfo::compiler() + "\"} 1\n";
+
+const std::string Header
     = R"(# HELP korvane_up 1 when this scrape's requests to the processing server succeeded, else 0.
 # TYPE korvane_up gauge
 korvane_up 1
-# HELP korvane_batches Batches on the processing server, by status.
+)" + BuildInfoText
+    + R"(# HELP korvane_batches Batches on the processing server, by status.
 # TYPE korvane_batches gauge
 korvane_batches{status="pending"} 1
 korvane_batches{status="working"} 1
@@ -76,69 +92,90 @@ korvane_nodes{status="completed"} 0
 korvane_nodes{status="paused"} 1
 korvane_nodes{status="aborted"} 0
 korvane_nodes{status="ready"} 0
-# HELP korvane_node_info A worker node's version and status; the value is always 1.
+# HELP korvane_node_info A worker node's host and version; the value is always 1.
 # TYPE korvane_node_info gauge
-korvane_node_info{node_id="1",host="render-01:5841",version="1.5.0",status="working"} 1
-korvane_node_info{node_id="2",host="render-02:5841",version="1.4.2",status="paused"} 1
+korvane_node_info{node_id="1",host="render-01:5841",version="1.5.0"} 1
+korvane_node_info{node_id="2",host="render-02:5841",version="1.4.2"} 1
+# HELP korvane_node_status 1 for the worker node's current status, 0 for the others.
+# TYPE korvane_node_status gauge
+korvane_node_status{node_id="1",status="pending"} 0
+korvane_node_status{node_id="1",status="working"} 1
+korvane_node_status{node_id="1",status="completed"} 0
+korvane_node_status{node_id="1",status="paused"} 0
+korvane_node_status{node_id="1",status="aborted"} 0
+korvane_node_status{node_id="1",status="ready"} 0
+korvane_node_status{node_id="2",status="pending"} 0
+korvane_node_status{node_id="2",status="working"} 0
+korvane_node_status{node_id="2",status="completed"} 0
+korvane_node_status{node_id="2",status="paused"} 1
+korvane_node_status{node_id="2",status="aborted"} 0
+korvane_node_status{node_id="2",status="ready"} 0
 # HELP korvane_node_priority A worker node's priority, from -2 (lowest) to 2 (highest).
 # TYPE korvane_node_priority gauge
-korvane_node_priority{node_id="1",host="render-01:5841"} 1
-korvane_node_priority{node_id="2",host="render-02:5841"} -2
+korvane_node_priority{node_id="1"} 1
+korvane_node_priority{node_id="2"} -2
 # HELP korvane_node_progress_ratio Progress of the node's share of its current task, 0 to 1.
 # TYPE korvane_node_progress_ratio gauge
-korvane_node_progress_ratio{node_id="1",host="render-01:5841"} 0.25
-korvane_node_progress_ratio{node_id="2",host="render-02:5841"} 0
+korvane_node_progress_ratio{node_id="1"} 0.25
+korvane_node_progress_ratio{node_id="2"} 0
 # HELP korvane_node_errors_total Errors the worker node has reported.
 # TYPE korvane_node_errors_total counter
-korvane_node_errors_total{node_id="1",host="render-01:5841"} 3
-korvane_node_errors_total{node_id="2",host="render-02:5841"} 0
+korvane_node_errors_total{node_id="1"} 3
+korvane_node_errors_total{node_id="2"} 0
 # HELP korvane_node_last_error_timestamp_seconds Time of the worker node's last error, in seconds since the Unix epoch; absent before the first.
 # TYPE korvane_node_last_error_timestamp_seconds gauge
-korvane_node_last_error_timestamp_seconds{node_id="1",host="render-01:5841"} 1700000100
+korvane_node_last_error_timestamp_seconds{node_id="1"} 1700000100
 )";
 
 const char* const ActiveBatches
-    = R"(# HELP korvane_batch_info A batch's current task and status; the value is always 1.
+    = R"(# HELP korvane_batch_info A batch's project and current task; the value is always 1.
 # TYPE korvane_batch_info gauge
-korvane_batch_info{batch_id="7",project="/srv/castle.kproj",task="BuildDenseCloud",status="working"} 1
-korvane_batch_info{batch_id="9",project="/srv/queued.kproj",task="AlignCameras",status="pending"} 1
+korvane_batch_info{batch_id="7",project="/srv/castle.kproj",task="BuildDenseCloud"} 1
+korvane_batch_info{batch_id="9",project="/srv/queued.kproj",task="AlignCameras"} 1
+# HELP korvane_batch_status 1 for the batch's current status, 0 for the others.
+# TYPE korvane_batch_status gauge
+korvane_batch_status{batch_id="7",status="pending"} 0
+korvane_batch_status{batch_id="7",status="working"} 1
+korvane_batch_status{batch_id="7",status="paused"} 0
+korvane_batch_status{batch_id="9",status="pending"} 1
+korvane_batch_status{batch_id="9",status="working"} 0
+korvane_batch_status{batch_id="9",status="paused"} 0
 # HELP korvane_batch_priority A batch's priority, from -2 (lowest) to 2 (highest).
 # TYPE korvane_batch_priority gauge
-korvane_batch_priority{batch_id="7",project="/srv/castle.kproj"} 2
-korvane_batch_priority{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_priority{batch_id="7"} 2
+korvane_batch_priority{batch_id="9"} 0
 # HELP korvane_batch_progress_ratio Progress of the batch's current task, 0 to 1.
 # TYPE korvane_batch_progress_ratio gauge
-korvane_batch_progress_ratio{batch_id="7",project="/srv/castle.kproj"} 0.5
-korvane_batch_progress_ratio{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_progress_ratio{batch_id="7"} 0.5
+korvane_batch_progress_ratio{batch_id="9"} 0
 # HELP korvane_batch_task_elapsed_seconds Seconds the batch's current task has run.
 # TYPE korvane_batch_task_elapsed_seconds gauge
-korvane_batch_task_elapsed_seconds{batch_id="7",project="/srv/castle.kproj"} 12.5
-korvane_batch_task_elapsed_seconds{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_task_elapsed_seconds{batch_id="7"} 12.5
+korvane_batch_task_elapsed_seconds{batch_id="9"} 0
 # HELP korvane_batch_task_remaining_seconds Seconds the batch's current task is expected to take still.
 # TYPE korvane_batch_task_remaining_seconds gauge
-korvane_batch_task_remaining_seconds{batch_id="7",project="/srv/castle.kproj"} 37.25
-korvane_batch_task_remaining_seconds{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_task_remaining_seconds{batch_id="7"} 37.25
+korvane_batch_task_remaining_seconds{batch_id="9"} 0
 # HELP korvane_batch_nodes_active Worker nodes at work on the batch's current task.
 # TYPE korvane_batch_nodes_active gauge
-korvane_batch_nodes_active{batch_id="7",project="/srv/castle.kproj"} 1
-korvane_batch_nodes_active{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_nodes_active{batch_id="7"} 1
+korvane_batch_nodes_active{batch_id="9"} 0
 # HELP korvane_batch_nodes_waiting Worker nodes waiting for work of the batch's current task.
 # TYPE korvane_batch_nodes_waiting gauge
-korvane_batch_nodes_waiting{batch_id="7",project="/srv/castle.kproj"} 2
-korvane_batch_nodes_waiting{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_nodes_waiting{batch_id="7"} 2
+korvane_batch_nodes_waiting{batch_id="9"} 0
 # HELP korvane_batch_nodes_failed Worker nodes that failed on the batch's current task.
 # TYPE korvane_batch_nodes_failed gauge
-korvane_batch_nodes_failed{batch_id="7",project="/srv/castle.kproj"} 3
-korvane_batch_nodes_failed{batch_id="9",project="/srv/queued.kproj"} 0
+korvane_batch_nodes_failed{batch_id="7"} 3
+korvane_batch_nodes_failed{batch_id="9"} 0
 # HELP korvane_batch_started_timestamp_seconds Time the batch started, in seconds since the Unix epoch; absent before it starts.
 # TYPE korvane_batch_started_timestamp_seconds gauge
-korvane_batch_started_timestamp_seconds{batch_id="7",project="/srv/castle.kproj"} 1700000007
+korvane_batch_started_timestamp_seconds{batch_id="7"} 1700000007
 )";
-
-std::string written(const FarmSnapshot& farm, bool allBatches)
+std::string written(const FarmSnapshot& farm, CollectMode batches = CollectMode::Unfinished)
 {
     std::string out;
-    writeFarmMetrics(farm, allBatches, out);
+    writeFarmMetrics(farm, batches, out);
     return out;
 }
 
@@ -146,33 +183,87 @@ std::string written(const FarmSnapshot& farm, bool allBatches)
 
 TEST(MetricsText, WholeTextOfASmallFarm)
 {
-    EXPECT_EQ(written(smallFarm(), false), std::string(Header) + ActiveBatches);
+    EXPECT_EQ(written(smallFarm()), std::string(Header) + ActiveBatches);
 }
 
-TEST(MetricsText, FinishedBatchesOnlyWithTheFlag)
+TEST(MetricsText, FinishedBatchesOnlyWhenAllAreCollected)
 {
-    const std::string all = written(smallFarm(), true);
+    const std::string all = written(smallFarm(), CollectMode::All);
     EXPECT_NE(
-        all.find("korvane_batch_info{batch_id=\"8\",project=\"/srv/done.kproj\",task=\"BuildDenseCloud\","
-                 "status=\"completed\"} 1\n"),
+        all.find(
+            "korvane_batch_info{batch_id=\"8\",project=\"/srv/done.kproj\",task=\"BuildDenseCloud\"} 1\n"),
         std::string::npos);
-    EXPECT_NE(all.find("korvane_batch_started_timestamp_seconds{batch_id=\"8\",project=\"/srv/done.kproj\"} "
-                       "1700000008\n"),
-        std::string::npos);
-    EXPECT_EQ(written(smallFarm(), false).find("batch_id=\"8\""), std::string::npos);
+    EXPECT_NE(
+        all.find("korvane_batch_started_timestamp_seconds{batch_id=\"8\"} 1700000008\n"), std::string::npos);
+    // Collecting all, a batch has a series for each of the six status words.
+    EXPECT_NE(all.find("korvane_batch_status{batch_id=\"8\",status=\"pending\"} 0\n"
+                       "korvane_batch_status{batch_id=\"8\",status=\"working\"} 0\n"
+                       "korvane_batch_status{batch_id=\"8\",status=\"completed\"} 1\n"
+                       "korvane_batch_status{batch_id=\"8\",status=\"paused\"} 0\n"
+                       "korvane_batch_status{batch_id=\"8\",status=\"aborted\"} 0\n"
+                       "korvane_batch_status{batch_id=\"8\",status=\"ready\"} 0\n"),
+        std::string::npos)
+        << all;
+    EXPECT_EQ(written(smallFarm()).find("batch_id=\"8\""), std::string::npos);
 }
 
-TEST(MetricsText, PausedBatchesAreActive)
+TEST(MetricsText, WorkingOnlyOrNoBatches)
+{
+    const std::string working = written(smallFarm(), CollectMode::Working);
+    EXPECT_NE(working.find("# TYPE korvane_batch_status gauge\n"
+                           "korvane_batch_status{batch_id=\"7\",status=\"working\"} 1\n"
+                           "# HELP korvane_batch_priority "),
+        std::string::npos)
+        << working;
+    EXPECT_EQ(working.find("batch_id=\"9\""), std::string::npos);
+    EXPECT_EQ(working.find("batch_id=\"8\""), std::string::npos);
+
+    const std::string none = written(smallFarm(), CollectMode::None);
+    EXPECT_EQ(none.find("korvane_batch_"), std::string::npos);
+    // The counts by status stay.
+    EXPECT_NE(none.find("korvane_batches{status=\"completed\"} 1\n"), std::string::npos);
+    EXPECT_EQ(none, std::string(Header));
+}
+
+TEST(MetricsText, AStatusChangeChangesValuesNotLabels)
+{
+    FarmSnapshot farm = smallFarm();
+    const std::string before = written(farm);
+    farm.batches[2].status = ControlClient::Paused;
+    farm.nodes[0].status = ControlClient::Ready;
+    const std::string after = written(farm);
+    const auto seriesNames = [](const std::string& text) {
+        std::string names;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = text.find('\n', at);
+            const std::string line = text.substr(at, end - at);
+            if (line[0] != '#')
+                names += line.substr(0, line.rfind(' ')) + "\n";
+            at = end + 1;
+        }
+        return names;
+    };
+    EXPECT_EQ(seriesNames(after), seriesNames(before));
+    EXPECT_NE(after, before);
+    EXPECT_NE(after.find("korvane_batch_status{batch_id=\"9\",status=\"pending\"} 0\n"
+                         "korvane_batch_status{batch_id=\"9\",status=\"working\"} 0\n"
+                         "korvane_batch_status{batch_id=\"9\",status=\"paused\"} 1\n"),
+        std::string::npos);
+    EXPECT_NE(after.find("korvane_node_status{node_id=\"1\",status=\"ready\"} 1\n"), std::string::npos);
+}
+
+TEST(MetricsText, PausedBatchesAreUnfinished)
 {
     FarmSnapshot farm = smallFarm();
     farm.batches[1].status = ControlClient::Paused;
-    EXPECT_NE(written(farm, false)
-                  .find("korvane_batch_info{batch_id=\"8\",project=\"/srv/done.kproj\","
-                        "task=\"BuildDenseCloud\",status=\"paused\"} 1\n"),
+    EXPECT_NE(written(farm).find("korvane_batch_info{batch_id=\"8\",project=\"/srv/done.kproj\","
+                                 "task=\"BuildDenseCloud\"} 1\n"),
         std::string::npos);
+    EXPECT_NE(
+        written(farm).find("korvane_batch_status{batch_id=\"8\",status=\"paused\"} 1\n"), std::string::npos);
     for (const ControlClient::Status status : {ControlClient::Aborted, ControlClient::Ready}) {
         farm.batches[1].status = status;
-        EXPECT_EQ(written(farm, false).find("batch_id=\"8\""), std::string::npos) << status;
+        EXPECT_EQ(written(farm).find("batch_id=\"8\""), std::string::npos) << status;
     }
 }
 
@@ -182,13 +273,14 @@ TEST(MetricsText, LabelValuesAreEscaped)
     farm.up = true;
     farm.batches = {batch(3, "/srv/a \"quoted\" \\dir\\\nnext line/Brücke.kproj", ControlClient::Pending)};
     farm.nodes = {node(4, "knoten-\"süd\"", ControlClient::Ready)};
-    const std::string text = written(farm, false);
-    EXPECT_NE(text.find("korvane_batch_priority{batch_id=\"3\","
-                        "project=\"/srv/a \\\"quoted\\\" \\\\dir\\\\\\nnext line/Brücke.kproj\"} 0\n"),
+    const std::string text = written(farm);
+    EXPECT_NE(text.find("korvane_batch_info{batch_id=\"3\","
+                        "project=\"/srv/a \\\"quoted\\\" \\\\dir\\\\\\nnext line/Brücke.kproj\","
+                        "task=\"BuildDenseCloud\"} 1\n"),
         std::string::npos)
         << text;
-    EXPECT_NE(
-        text.find("korvane_node_priority{node_id=\"4\",host=\"knoten-\\\"süd\\\"\"} 0\n"), std::string::npos);
+    EXPECT_NE(text.find("korvane_node_info{node_id=\"4\",host=\"knoten-\\\"süd\\\"\",version=\"1.5.0\"} 1\n"),
+        std::string::npos);
     EXPECT_NE(text.find("korvane_nodes{status=\"ready\"} 1\n"), std::string::npos);
 }
 
@@ -196,7 +288,7 @@ TEST(MetricsText, EmptyFarmHasEveryStatusAndEveryFamily)
 {
     FarmSnapshot farm;
     farm.up = true;
-    const std::string text = written(farm, false);
+    const std::string text = written(farm);
     for (const char* status : {"pending", "working", "completed", "paused", "aborted", "ready"}) {
         EXPECT_NE(
             text.find(std::string("korvane_batches{status=\"") + status + "\"} 0\n"), std::string::npos);
@@ -210,10 +302,7 @@ TEST(MetricsText, WithoutAReadingOnlyUpZero)
 {
     FarmSnapshot farm = smallFarm();
     farm.up = false;
-    EXPECT_EQ(written(farm, false),
-        "# HELP korvane_up 1 when this scrape's requests to the processing server succeeded, else 0.\n"
-        "# TYPE korvane_up gauge\n"
-        "korvane_up 0\n");
+    EXPECT_EQ(written(farm), std::string(UpZero) + BuildInfoText);
 }
 
 TEST(MetricsText, ScrapeDurationInSeconds)

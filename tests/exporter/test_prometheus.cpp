@@ -93,7 +93,7 @@ TEST(PrometheusEndToEnd, ScrapesTheExporterAndFollowsAPausedBatch)
     EXPECT_EQ(up[0]["value"][1].asString(), "1");
     EXPECT_EQ(query(prometheusPort, "korvane_up")[0]["value"][1].asString(), "1");
 
-    // Pause a pending batch on the simulator; its status label follows.
+    // Pause a pending batch on the simulator; its status series follow.
     std::uint32_t batchId = ControlClient::NoId;
     {
         ConsoleCapture console;
@@ -110,7 +110,7 @@ TEST(PrometheusEndToEnd, ScrapesTheExporterAndFollowsAPausedBatch)
         ASSERT_NE(batchId, ControlClient::NoId);
         ASSERT_TRUE(client.pauseBatch(batchId));
     }
-    const std::string selector = "korvane_batch_info{batch_id=\"" + std::to_string(batchId) + "\"}";
+    const std::string selector = "korvane_batch_status{batch_id=\"" + std::to_string(batchId) + "\"} == 1";
     Json::Value series;
     const double followed = pollUntil(
         [&] {
@@ -118,6 +118,11 @@ TEST(PrometheusEndToEnd, ScrapesTheExporterAndFollowsAPausedBatch)
             return series.size() == 1 && series[0]["metric"]["status"].asString() == "paused";
         },
         30s);
+    // The project and task are on the batch's one info series.
+    const Json::Value info
+        = query(prometheusPort, "korvane_batch_info{batch_id=\"" + std::to_string(batchId) + "\"}");
+    ASSERT_EQ(info.size(), 1u);
+    EXPECT_NE(info[0]["metric"]["project"].asString(), "");
     EXPECT_GE(followed, 0) << series.toStyledString();
     EXPECT_LT(followed, 10.0);
 

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <openssl/types.h>
+#include <string>
+
+struct WebConfig;
+
+// Sets up an OpenSSL server context from the web configuration: protocol
+// versions, the certificate chain and its key, and the client certificate
+// check. On failure false with "FILE:LINE: KEY: reason" (the key's place in
+// the web configuration file) and OpenSSL's own reason.
+bool setUpTlsContext(
+    SSL_CTX& context, const WebConfig& config, const std::string& configFile, std::string& error);
+
+// Whether the files of the configuration load: the same set-up on a context
+// of its own, made and freed here, so that a bad file is refused at the start.
+bool checkTlsFiles(const WebConfig& config, const std::string& configFile, std::string& error);
