@@ -48,7 +48,7 @@ std::shared_ptr<const MetricsPage> Exporter::downPage(MetricsPage::Clock::time_p
 {
     FarmSnapshot down;
     std::string text;
-    writeFarmMetrics(down, m_settings.allBatches, text);
+    writeFarmMetrics(down, m_settings.collectBatches, text);
     const auto now = MetricsPage::Clock::now();
     writeScrapeDuration(std::chrono::duration<double>(now - asked).count(), text);
     std::string gzipped = gzipCompress(text);

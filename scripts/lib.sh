@@ -36,3 +36,40 @@ screenshot_monitor() {
     window=$(DISPLAY=$1 xwininfo -name "Korvane Network Monitor" 2>/dev/null | awk '/Window id:/ {print $4}')
     DISPLAY=$1 import -window "${window:-root}" "$2"
 }
+
+# need_chromium WHO: Chromium only takes the pictures of Prometheus' pages, so
+# the test command does not install it; the script that needs it does.
+need_chromium() {
+    command -v chromium >/dev/null && return 0
+    if [[ $(id -u) -ne 0 ]]; then
+        echo "$1: chromium is missing; run as root:" >&2
+        echo "  apt-get install -y --no-install-recommends chromium" >&2
+        exit 1
+    fi
+    echo "$1: installing chromium"
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends chromium >/dev/null
+}
+
+# start_work: a folder of its own ($work) and a list of started programs
+# ($pids, append with pids+=($!)); at exit the programs are ended and the
+# folder removed.
+start_work() {
+    work=$(mktemp -d)
+    pids=()
+    trap end_work EXIT
+}
+
+end_work() {
+    for pid in "${pids[@]}"; do
+        kill "$pid" 2>/dev/null || true
+    done
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+
+# listening_port LOG WHO: the port of a program's "listening on ADDR:PORT" line.
+listening_port() {
+    local address
+    address=$(listening_address "$1") || { echo "$2: nothing listens, see $1" >&2; exit 1; }
+    echo "${address##*:}"
+}

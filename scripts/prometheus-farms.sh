@@ -13,29 +13,11 @@ source scripts/lib.sh
 out=$(realpath -m "${1:-docs/prometheus-farms.png}")
 seconds=${2:-90}
 
-# Chromium only takes this picture, so the test command does not install it.
-if ! command -v chromium >/dev/null; then
-    echo "prometheus-farms: installing chromium"
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends chromium >/dev/null
-fi
+need_chromium prometheus-farms
 KORVANE_TARGETS="korvane-sim korvane-exporter" bash scripts/build.sh build >/dev/null
 
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
+start_work
 
-listening_port() {
-    local address
-    address=$(listening_address "$1") || { echo "prometheus-farms: nothing listens, see $1" >&2; exit 1; }
-    echo "${address##*:}"
-}
 
 # Farm a and farm b: both number their batches from 1.
 declare -A exporter_port
@@ -44,11 +26,11 @@ for farm in a b; do
     build/bin/korvane-sim --listen 127.0.0.1:0 --seed "$seed" --nodes 40 --batches 60 --speed 20 \
         --failure-rate 30 >"$work/sim-$farm.out" 2>/dev/null &
     pids+=($!)
-    sim_port=$(listening_port "$work/sim-$farm.out")
+    sim_port=$(listening_port "$work/sim-$farm.out" prometheus-farms)
     build/bin/korvane-exporter --server "127.0.0.1:$sim_port" --web.listen-address 127.0.0.1:0 \
         >"$work/exporter-$farm.out" 2>"$work/exporter-$farm.err" &
     pids+=($!)
-    exporter_port[$farm]=$(listening_port "$work/exporter-$farm.out")
+    exporter_port[$farm]=$(listening_port "$work/exporter-$farm.out" prometheus-farms)
 done
 
 prometheus_port=19190

@@ -10,40 +10,21 @@ source scripts/lib.sh
 out=$(realpath -m "${1:-docs/prometheus-graph.png}")
 seconds=${2:-120}
 
-# Chromium only takes this picture, so the test command does not install it.
-if ! command -v chromium >/dev/null; then
-    echo "prometheus-graph: installing chromium"
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends chromium >/dev/null
-fi
+need_chromium prometheus-graph
 KORVANE_TARGETS="korvane-sim korvane-exporter" bash scripts/build.sh build >/dev/null
 
-work=$(mktemp -d)
-pids=()
-cleanup() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
+start_work
 
-# The port of a program's "listening on ADDR:PORT" line.
-listening_port() {
-    local address
-    address=$(listening_address "$1") || { echo "prometheus-graph: nothing listens, see $1" >&2; exit 1; }
-    echo "${address##*:}"
-}
 
 # A farm that moves: nodes fail and recover, batches start and finish.
 build/bin/korvane-sim --listen 127.0.0.1:0 --seed 1 --nodes 40 --batches 400 --speed 30 \
     --failure-rate 30 >"$work/sim.out" 2>/dev/null &
 pids+=($!)
-sim_port=$(listening_port "$work/sim.out")
+sim_port=$(listening_port "$work/sim.out" prometheus-graph)
 build/bin/korvane-exporter --server "127.0.0.1:$sim_port" --listen 127.0.0.1:0 \
     >"$work/exporter.out" 2>"$work/exporter.err" &
 pids+=($!)
-exporter_port=$(listening_port "$work/exporter.out")
+exporter_port=$(listening_port "$work/exporter.out" prometheus-graph)
 
 # The first loopback port from 19090 on that nobody answers.
 prometheus_port=19090

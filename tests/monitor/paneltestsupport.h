@@ -71,7 +71,8 @@ struct MenuVisit
     bool allEnabledPlain = true;
 };
 
-inline MenuVisit chooseFromMenu(QTreeWidget* tree, const QPoint& pos, const QStringList& path)
+// The same for a menu that open() brings up: a key, a signal.
+inline MenuVisit chooseFromMenu(const std::function<void()>& open, const QStringList& path)
 {
     MenuVisit visit;
     QTimer guard;
@@ -111,9 +112,14 @@ inline MenuVisit chooseFromMenu(QTreeWidget* tree, const QPoint& pos, const QStr
     guard.start(5);
     // give a menu that would open time to show itself
     QTimer::singleShot(300, &guard, &QTimer::stop);
-    emit tree->customContextMenuRequested(pos);
+    open();
     waitUntil([&] { return !guard.isActive(); }, 2000);
     return visit;
+}
+
+inline MenuVisit chooseFromMenu(QTreeWidget* tree, const QPoint& pos, const QStringList& path)
+{
+    return chooseFromMenu([&] { emit tree->customContextMenuRequested(pos); }, path);
 }
 
 inline MenuVisit chooseFromMenu(QTreeWidget* tree, int row, const QStringList& path)

@@ -47,36 +47,10 @@ QString rowName(QTreeWidget* tree, int row)
 }
 
 // Presses Shift+F10 on the tree and notes where a menu opened, choosing entry.
-struct KeyMenu
+MenuVisit pressShiftF10(QTreeWidget* tree, const QString& entry)
 {
-    bool opened = false;
-    QPoint at;
-};
-
-KeyMenu pressShiftF10(QTreeWidget* tree, const QString& entry)
-{
-    KeyMenu visit;
-    QTimer guard;
-    QObject::connect(&guard, &QTimer::timeout, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        guard.stop();
-        visit.opened = true;
-        visit.at = menu->pos();
-        QAction* chosen = nullptr;
-        for (QAction* action : menu->actions())
-            if (action->text() == entry)
-                chosen = action;
-        menu->close();
-        if (chosen)
-            chosen->trigger();
-    });
-    guard.start(5);
-    QTimer::singleShot(300, &guard, &QTimer::stop);
-    QTest::keyClick(tree, Qt::Key_F10, Qt::ShiftModifier);
-    waitUntil([&] { return !guard.isActive(); }, 2000);
-    return visit;
+    return chooseFromMenu([tree] { QTest::keyClick(tree, Qt::Key_F10, Qt::ShiftModifier); },
+        entry.isEmpty() ? QStringList() : QStringList {entry});
 }
 
 std::vector<std::string> queued(const Monitor& panel)
@@ -225,13 +199,13 @@ TEST_F(Accessibility, ShiftF10OpensTheCurrentRowsMenuAtTheMouseCursor)
     QCursor::setPos(QPoint(37, 41));
     ui.batches->setFocus();
     ui.batches->setCurrentItem(ui.batches->topLevelItem(1));
-    const KeyMenu batchMenu = pressShiftF10(ui.batches, QStringLiteral("Pause"));
+    const MenuVisit batchMenu = pressShiftF10(ui.batches, QStringLiteral("Pause"));
     EXPECT_TRUE(batchMenu.opened);
     EXPECT_EQ(batchMenu.at, QPoint(37, 41));
 
     ui.nodes->setFocus();
     ui.nodes->setCurrentItem(ui.nodes->topLevelItem(0));
-    const KeyMenu nodeMenu = pressShiftF10(ui.nodes, QStringLiteral("Stop"));
+    const MenuVisit nodeMenu = pressShiftF10(ui.nodes, QStringLiteral("Stop"));
     EXPECT_TRUE(nodeMenu.opened);
 
     EXPECT_EQ(queued(panel), (std::vector<std::string> {"4 8 0", "2 3 0"}));
