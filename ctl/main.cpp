@@ -29,8 +29,9 @@ int main(int argc, char** argv)
 
     // Our own stream on standard output: std::cout itself is silenced while
     // the client runs.
-    std::ostream out(std::cout.rdbuf());
-    CtlRunner runner(out, std::cerr);
+    // Both outlive main(): the signal handler may reach the runner until the very end.
+    static std::ostream out(std::cout.rdbuf());
+    static CtlRunner runner(out, std::cerr);
     runner.setClearScreen(::isatty(STDOUT_FILENO) == 1);
     runner.setStopFlag(&interrupted);
     runnerToInterrupt = &runner;
