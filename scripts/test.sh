@@ -17,9 +17,11 @@ bash scripts/build.sh build
 # moving farm) mostly wait; they run beside everything up to the sanitizer
 # builds' tests, and their result is collected before ThreadSanitizer.
 slow_log=build/slow-tests.log
-ctest --test-dir build --output-on-failure -L slow >"$slow_log" 2>&1 &
+# In a process group of their own, so that a failure elsewhere ends them
+# together with the programs they started.
+setsid ctest --test-dir build --output-on-failure -L slow >"$slow_log" 2>&1 &
 slow_pid=$!
-trap 'kill "$slow_pid" 2>/dev/null || true' EXIT
+trap 'kill -- "-$slow_pid" 2>/dev/null || true' EXIT
 
 # A failure in the shuffled order is reproduced with the same seed:
 #   GTEST_SHUFFLE=1 GTEST_RANDOM_SEED=<seed> ctest --test-dir build
