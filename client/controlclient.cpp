@@ -68,7 +68,8 @@ bool ControlClient::connect(const std::string& address, int port)
     const std::string service = portText.str();
 
     HostLookup lookup;
-    switch (lookup.run(host, service, m_deadline, m_interrupt)) {
+    const HostLookup::Result looked = lookup.run(host, service, m_deadline, m_interrupt);
+    switch (looked) {
     case HostLookup::Found:
         break;
     case HostLookup::Failed:
@@ -79,7 +80,7 @@ bool ControlClient::connect(const std::string& address, int port)
         return false;
     case HostLookup::TimedOut:
     case HostLookup::Interrupted:
-        m_failure = m_interrupt.isRaised() ? Failure::Interrupted : Failure::ConnectTimedOut;
+        m_failure = looked == HostLookup::Interrupted ? Failure::Interrupted : Failure::ConnectTimedOut;
         std::cout << "can't connect to " << address << ":" << service << std::endl;
         return false;
     }
@@ -202,13 +203,15 @@ bool ControlClient::send(const Json::Value& message)
     // One send for the whole line; a short write counts as a lost connection.
     // MSG_NOSIGNAL: a vanished server must not raise SIGPIPE.
     const ssize_t sent = ::send(m_socket, text.data(), text.size(), MSG_NOSIGNAL);
-    // A send cut short by the time limit: the server took too little in time.
-    m_sendTimedOut = m_deadline && (sent < 0 ? errno == EAGAIN || errno == EWOULDBLOCK : true);
+    const int sendError = errno;
     if (m_deadline) {
         const timeval none {};
         ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &none, sizeof none);
     }
     if (sent < 0 || static_cast<std::size_t>(sent) != text.size()) {
+        // Cut short by the time limit: the server took too little in time.
+        if (m_deadline && (sent >= 0 || sendError == EAGAIN || sendError == EWOULDBLOCK))
+            m_failure = Failure::NoReply;
         disconnect();
         return false;
     }
@@ -302,8 +305,6 @@ Json::Value ControlClient::request(const char* method, Json::Value params, bool 
 
     m_failure = Failure::None;
     m_failedRequest.clear();
-    const bool wasConnected = m_socket != -1;
-    m_sendTimedOut = false;
     const bool sent = send(envelope);
     Json::Value reply;
     if (!m_deadline) {
@@ -314,8 +315,6 @@ Json::Value ControlClient::request(const char* method, Json::Value params, bool 
             // A reply that comes later would be taken for the next request's.
             disconnect();
         }
-    } else if (wasConnected && m_sendTimedOut) {
-        m_failure = Failure::NoReply;
     }
     if (m_failure == Failure::None && m_socket == -1)
         m_failure = Failure::ConnectionLost;

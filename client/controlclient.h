@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <netdb.h>
 #include <set>
 #include <string>
 #include <sys/socket.h>
@@ -15,6 +14,8 @@
 #include "paramvalue.h"
 #include "receivebuffer.h"
 #include "socketwait.h"
+
+struct addrinfo;
 
 // Client side of the server's control protocol: one TCP connection, one
 // compact JSON object per line in each direction, strictly one request and
@@ -172,7 +173,6 @@ public:
     // a deadline (the default, as the monitor has it) every wait is without limit.
     void setDeadline(SteadyClock::time_point deadline) { m_deadline = deadline; }
     void clearDeadline() { m_deadline.reset(); }
-    const Deadline& deadline() const { return m_deadline; }
 
     // Ends a name lookup or a connect in progress, and the waits of a request
     // under a deadline; every later connect() and such request fails at once
@@ -245,5 +245,4 @@ private:
     Failure m_failure = Failure::None;
     std::string m_failedRequest;
     int m_lookupError = 0;
-    bool m_sendTimedOut = false;
 };

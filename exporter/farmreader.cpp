@@ -32,7 +32,7 @@ void FarmReader::read(FarmSnapshot& out, SteadyClock::time_point deadline, Backo
 {
     out.up = false;
     m_client.setDeadline(deadline);
-    m_budget = secondsText(deadline - SteadyClock::now());
+    m_budget = deadline - SteadyClock::now();
     if (!m_client.isConnected() && !connect(now))
         return;
 
@@ -80,7 +80,7 @@ bool FarmReader::connect(Backoff::Clock::time_point now)
         fail("cannot resolve " + m_address + ": " + ::gai_strerror(m_client.lookupError()) + next);
         break;
     case ControlClient::Failure::ConnectTimedOut:
-        fail("could not connect to " + m_address + " within " + m_budget + next);
+        fail("could not connect to " + m_address + " within " + secondsText(m_budget) + next);
         break;
     default:
         fail("cannot connect to " + m_address + next);
@@ -100,11 +100,11 @@ Json::Value FarmReader::request(const char* method)
         fail(m_address + " answered " + method + " without a result");
         break;
     case ControlClient::Failure::NoReply:
-        fail("no reply from " + m_address + " to " + method + " within " + m_budget);
+        fail("no reply from " + m_address + " to " + method + " within " + secondsText(m_budget));
         break;
     case ControlClient::Failure::ReplyTooSlow:
-        fail("the reply from " + m_address + " to " + method + " was still arriving after " + m_budget
-            + " (slow link?)");
+        fail("the reply from " + m_address + " to " + method + " was still arriving after "
+            + secondsText(m_budget) + " (slow link?)");
         break;
     case ControlClient::Failure::Interrupted:
         break;

@@ -50,6 +50,6 @@ private:
     ControlClient m_client;
     Backoff m_backoff;
     // The time the current read was given, for the log lines.
-    std::string m_budget;
+    SteadyClock::duration m_budget {};
     bool m_wasUp = false;
 };

@@ -76,6 +76,7 @@ std::optional<std::chrono::milliseconds> scrapeTimeout(const httplib::Request& r
         return std::nullopt;
     return std::chrono::milliseconds(static_cast<long long>(seconds * 1000.0));
 }
+
 // Counts a scrape in for as long as it is served.
 class ScrapeSlot final
 {

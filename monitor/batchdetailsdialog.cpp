@@ -4,6 +4,7 @@
 #include <QDate>
 #include <QListWidgetItem>
 
+#include "accessiblecell.h"
 #include "celltext.h"
 #include "taskdisplaynames.h"
 #include "taskstatuswidget.h"
@@ -24,12 +25,7 @@ void BatchDetailsDialog::nameRow(QListWidgetItem* item, const QString& text)
     if (item->data(Qt::AccessibleTextRole).toString() == text)
         return;
     item->setData(Qt::AccessibleTextRole, text);
-    if (!QAccessible::isActive())
-        return;
-    QAccessibleInterface* list = QAccessible::queryAccessibleInterface(ui.listJobs);
-    if (!list || !list->tableInterface())
-        return;
-    if (QAccessibleInterface* cell = list->tableInterface()->cellAt(ui.listJobs->row(item), 0)) {
+    if (QAccessibleInterface* cell = accessibleCell(ui.listJobs, ui.listJobs->row(item), 0)) {
         QAccessibleEvent changed(cell, QAccessible::NameChanged);
         QAccessible::updateAccessibility(&changed);
     }

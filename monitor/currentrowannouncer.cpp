@@ -5,6 +5,8 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include "accessiblecell.h"
+
 CurrentRowAnnouncer::CurrentRowAnnouncer(QTreeWidget* tree)
     : QObject(tree)
     , m_tree(tree)
@@ -71,13 +73,9 @@ void CurrentRowAnnouncer::name(int row, const QString& text, bool announce)
         item->setData(column, Qt::AccessibleTextRole, text.isEmpty() ? QVariant() : QVariant(text));
     if (row == m_row)
         m_text = text;
-    if (!announce || !QAccessible::isActive())
+    if (!announce)
         return;
-    QAccessibleInterface* tree = QAccessible::queryAccessibleInterface(m_tree);
-    if (!tree || !tree->tableInterface())
-        return;
-    const int column = qMax(0, m_tree->currentColumn());
-    if (QAccessibleInterface* cell = tree->tableInterface()->cellAt(row, column)) {
+    if (QAccessibleInterface* cell = accessibleCell(m_tree, row, qMax(0, m_tree->currentColumn()))) {
         QAccessibleEvent changed(cell, QAccessible::NameChanged);
         QAccessible::updateAccessibility(&changed);
         if (m_tree->hasFocus()) {

@@ -73,3 +73,53 @@ listening_port() {
     address=$(listening_address "$1") || { echo "$2: nothing listens, see $1" >&2; exit 1; }
     echo "${address##*:}"
 }
+
+# start_prometheus WHO FIRST_PORT STATIC_CONFIGS: a Prometheus server in $work
+# scraping every second, on the first loopback port from FIRST_PORT that
+# nobody answers (set as $prometheus_port); STATIC_CONFIGS is the YAML list
+# under static_configs.
+start_prometheus() {
+    prometheus_port=$2
+    while (exec 3<>"/dev/tcp/127.0.0.1/$prometheus_port") 2>/dev/null; do
+        prometheus_port=$((prometheus_port + 1))
+    done
+    cat >"$work/prometheus.yml" <<YAML
+global:
+  scrape_interval: 1s
+  scrape_timeout: 1s
+scrape_configs:
+  - job_name: korvane
+    static_configs:
+$3
+YAML
+    prometheus --config.file="$work/prometheus.yml" --storage.tsdb.path="$work/data" \
+        --web.listen-address="127.0.0.1:$prometheus_port" --log.level=warn 2>"$work/prometheus.err" &
+    pids+=($!)
+    echo "$1: collecting for $seconds s (Prometheus on 127.0.0.1:$prometheus_port)"
+}
+
+# photograph WHO URL OUTPUT HEIGHT: headless Chromium's picture of a page,
+# 1400 pixels wide.
+photograph() {
+    mkdir -p "$(dirname "$3")"
+    chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
+        --disable-background-networking --disable-component-update --disable-sync \
+        --user-data-dir="$work/chromium" --window-size="1400,$4" --hide-scrollbars \
+        --virtual-time-budget=15000 --screenshot="$3" "$2" 2>"$work/chromium.err" >/dev/null
+    echo "$1: $3"
+}
+
+# start_farm WHO NAME SIM_ARGS...: korvane-sim with SIM_ARGS and a
+# korvane-exporter watching it, both on loopback, their output in
+# $work/sim-NAME.out and $work/exporter-NAME.*; sets $farm_exporter_port.
+start_farm() {
+    local who=$1 name=$2 sim_port
+    shift 2
+    build/bin/korvane-sim --listen 127.0.0.1:0 "$@" >"$work/sim-$name.out" 2>/dev/null &
+    pids+=($!)
+    sim_port=$(listening_port "$work/sim-$name.out" "$who")
+    build/bin/korvane-exporter --server "127.0.0.1:$sim_port" --web.listen-address 127.0.0.1:0 \
+        >"$work/exporter-$name.out" 2>"$work/exporter-$name.err" &
+    pids+=($!)
+    farm_exporter_port=$(listening_port "$work/exporter-$name.out" "$who")
+}
