@@ -9,6 +9,7 @@
 #include "mainwindow.h"
 #include "monitor.h"
 #include "qtutf8codec.h"
+#include "serveraddress.h"
 #include "utf8.h"
 #include "version.h"
 
@@ -93,9 +94,7 @@ int main(int argc, char** argv)
         connectHost = parser.value(options.connect);
         const qsizetype colon = connectHost.indexOf(QLatin1Char(':'));
         if (colon >= 0) {
-            bool ok = false;
-            connectPort = connectHost.mid(colon + 1).toInt(&ok);
-            if (!ok || connectPort < 0 || connectPort > 65535) {
+            if (!parsePort(connectHost.mid(colon + 1).toStdString(), connectPort)) {
                 std::fprintf(stderr, "korvane-monitor: --connect: \"%s\" is not a port number (0 to 65535)\n",
                     qPrintable(connectHost.mid(colon + 1)));
                 return 2;

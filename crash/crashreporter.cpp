@@ -16,6 +16,7 @@
 
 #include "client/linux/handler/exception_handler.h"
 #include "client/linux/handler/minidump_descriptor.h"
+#include "crashdatadirectory.h"
 
 extern char** environ;
 
@@ -23,7 +24,6 @@ namespace {
 
 constexpr std::size_t LogCapacity = 16384;
 constexpr std::size_t AnnotationLimit = 9999;
-constexpr const char* DataDirectoryVariable = "MOZ_CRASHREPORTER_DATA_DIRECTORY";
 // The signals the exception handler takes over.
 constexpr int CrashSignals[] = {SIGSEGV, SIGABRT, SIGFPE, SIGILL, SIGBUS, SIGTRAP};
 
@@ -143,13 +143,11 @@ bool CrashReporter::install()
         return true;
 
     const char* home = std::getenv("HOME");
-    std::string suffix = std::string("/.") + state::vendor + "/" + state::productName + "/";
-    for (char& c : suffix)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const std::string dataDirectory = std::string(home ? home : "~") + suffix + "Crash Reports";
+    const std::string dataDirectory
+        = crashDataDirectory(home ? home : "~", state::vendor, state::productName);
     makeDirectories(dataDirectory.c_str());
     // NOLINTNEXTLINE(concurrency-mt-unsafe): installed before any thread
-    setenv(DataDirectoryVariable, dataDirectory.c_str(), 1);
+    setenv(CrashDataDirectoryVariable, dataDirectory.c_str(), 1);
 
     state::reporterPath[0] = '\0';
     if (state::applicationDirectory[0]) {
@@ -345,7 +343,8 @@ bool CrashReporter::onMinidumpWritten(
         state::logWritePos = 0;
 
     if (state::annotationText[0]) {
-        const int fd = open(extraPath, O_WRONLY | O_CREAT | O_TRUNC, 0666);
+        // Private like the directory it is in: it holds the environment.
+        const int fd = open(extraPath, O_WRONLY | O_CREAT | O_TRUNC, 0600);
         if (fd >= 0) {
             writeAll(fd, state::annotationText, std::strlen(state::annotationText));
             if (state::logSize) {

@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "crashdatadirectory.h"
+
 CrashReport::CrashReport(const QString& dumpPath)
     : m_dumpPath(QDir::cleanPath(dumpPath))
 {
@@ -57,15 +59,15 @@ void CrashReport::readAnnotations()
 
 QString CrashReport::dataDirectory() const
 {
-    QString fromEnvironment = qEnvironmentVariable("MOZ_CRASHREPORTER_DATA_DIRECTORY");
+    QString fromEnvironment = qEnvironmentVariable(CrashDataDirectoryVariable);
     if (!fromEnvironment.isEmpty())
         return fromEnvironment;
     const QString vendor = annotation(QStringLiteral("Vendor"));
     const QString product = annotation(QStringLiteral("ProductName"));
     if (vendor.isEmpty() || product.isEmpty())
         return {};
-    return QDir::homePath() + QLatin1String("/.") + vendor.toLower() + QLatin1Char('/') + product.toLower()
-        + QLatin1String("/Crash Reports");
+    return QString::fromStdString(
+        crashDataDirectory(QDir::homePath().toStdString(), vendor.toStdString(), product.toStdString()));
 }
 
 bool CrashReport::moveToPending(const QString& dataDirectory, QString* error)

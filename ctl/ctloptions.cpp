@@ -6,16 +6,9 @@
 #include <cstdlib>
 
 #include "commandlineoption.h"
+#include "serveraddress.h"
 
 namespace {
-
-bool parsePort(const std::string& text, int& port)
-{
-    if (text.empty() || text.size() > 5 || text.find_first_not_of("0123456789") != std::string::npos)
-        return false;
-    port = std::atoi(text.c_str());
-    return port <= 65535;
-}
 
 struct CommandName
 {
@@ -195,7 +188,7 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
         const std::string& value = option.value;
         if (name == "--port") {
             if (!parsePort(value, options.port)) {
-                error = "not a port number: " + value;
+                error = badPort(value);
                 return false;
             }
             continue;
@@ -207,11 +200,8 @@ bool parseCtlOptions(const std::vector<std::string>& args, CtlOptions& options, 
             }
             continue;
         }
-        const std::size_t colon = value.find(':');
-        int hostPort = 0;
-        if (value.empty() || colon == 0
-            || (colon != std::string::npos && !parsePort(value.substr(colon + 1), hostPort))) {
-            error = "not a HOST or HOST:PORT: " + value;
+        if (!isServerAddress(value)) {
+            error = badServerAddress(value);
             return false;
         }
         options.host = value;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "serveraddress.h"
+
 enum class CtlCommand
 {
     None,
@@ -28,7 +30,7 @@ struct CtlOptions
     // Given to ControlClient::connect as they are: a ":PORT" after the host
     // overrides the port, as in the monitor's address field.
     std::string host = "127.0.0.1";
-    int port = 5840;
+    int port = DefaultServerPort;
     // Longest time for the whole command, lookup and connect included, in
     // milliseconds (for watch: the connect and each round); -1 waits without
     // limit (--timeout 0).

@@ -3,16 +3,9 @@
 #include <cstdlib>
 
 #include "commandlineoption.h"
+#include "serveraddress.h"
 
 namespace {
-
-bool parsePort(const std::string& text, int& port)
-{
-    if (text.empty() || text.size() > 5 || text.find_first_not_of("0123456789") != std::string::npos)
-        return false;
-    port = std::atoi(text.c_str());
-    return port <= 65535;
-}
 
 bool parseNumber(const std::string& text, int& number)
 {
@@ -20,34 +13,6 @@ bool parseNumber(const std::string& text, int& number)
         return false;
     number = std::atoi(text.c_str());
     return number > 0;
-}
-
-// HOST:PORT, with an IPv6 host in brackets ([::1]:10084); :PORT for every address.
-bool parseListen(const std::string& text, ListenAddress& address)
-{
-    const std::size_t colon = text.rfind(':');
-    if (colon == std::string::npos)
-        return false;
-    std::string name = text.substr(0, colon);
-    if (!name.empty() && name.front() == '[') {
-        if (name.size() < 3 || name.back() != ']')
-            return false;
-        name = name.substr(1, name.size() - 2);
-    } else if (name.find(':') != std::string::npos) {
-        return false;
-    }
-    if (!parsePort(text.substr(colon + 1), address.port))
-        return false;
-    address.host = name;
-    return true;
-}
-
-bool parseServer(const std::string& text)
-{
-    const std::size_t colon = text.find(':');
-    int port = 0;
-    return !text.empty() && colon != 0
-        && (colon == std::string::npos || (parsePort(text.substr(colon + 1), port) && port > 0));
 }
 
 bool parseTelemetryPath(const std::string& text)
@@ -59,9 +24,7 @@ bool parseTelemetryPath(const std::string& text)
 
 std::string ExporterOptions::serverAddress() const
 {
-    if (server.find(':') == std::string::npos)
-        return server + ":5840";
-    return server;
+    return withDefaultPort(server);
 }
 
 bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions& options, std::string& error)
@@ -95,15 +58,15 @@ bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions&
             return false;
         const std::string& value = option.value;
         if (name == "--server") {
-            if (!parseServer(value)) {
-                error = "not a HOST or HOST:PORT: " + value;
+            if (!isServerAddress(value)) {
+                error = badServerAddress(value);
                 return false;
             }
             options.server = value;
         } else if (name == "--listen" || name == "--web.listen-address") {
             ListenAddress address;
-            if (!parseListen(value, address)) {
-                error = "not an ADDR:PORT: " + value;
+            if (!parseListenAddress(value, address.host, address.port)) {
+                error = badListenAddress(value);
                 return false;
             }
             options.listen.push_back(address);

@@ -9,7 +9,8 @@
 
 struct ExporterOptions
 {
-    // Given to ControlClient::connect as it is: a ":PORT" overrides 5840.
+    // Given to ControlClient::connect as it is: a ":PORT" overrides the
+    // default port.
     std::string server = "127.0.0.1";
     // The default 127.0.0.1:10084 when none is given.
     std::vector<ListenAddress> listen;

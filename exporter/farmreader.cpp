@@ -5,6 +5,7 @@
 #include <netdb.h>
 #include <ostream>
 
+#include "serveraddress.h"
 #include "wrongmember.h"
 
 namespace {
@@ -22,7 +23,7 @@ std::string secondsText(SteadyClock::duration duration)
 
 FarmReader::FarmReader(std::string server, std::ostream& log)
     : m_server(std::move(server))
-    , m_address(m_server.find(':') == std::string::npos ? m_server + ":5840" : m_server)
+    , m_address(withDefaultPort(m_server))
     , m_log(log)
 {
     m_client.init();
@@ -67,7 +68,7 @@ bool FarmReader::connect(Backoff::Clock::time_point now)
 {
     if (!m_backoff.mayTry(now))
         return false;
-    if (m_client.connect(m_server, 5840)) {
+    if (m_client.connect(m_server, DefaultServerPort)) {
         m_backoff.succeeded();
         return true;
     }

@@ -12,6 +12,7 @@
 #include "contextmenukey.h"
 #include "currentrowannouncer.h"
 #include "metatypes.h"
+#include "serveraddress.h"
 #include "taskdisplaynames.h"
 #include "threadhandover.h"
 #include "treerows.h"
@@ -25,7 +26,7 @@ Monitor::Monitor(QWidget* parent)
 
     QSettings settings;
     ui.editHost->setText(settings.value(QStringLiteral("main/network_host"), QString()).toString());
-    ui.spinPort->setValue(settings.value(QStringLiteral("main/network_port"), 5840).toInt());
+    ui.spinPort->setValue(settings.value(QStringLiteral("main/network_port"), DefaultServerPort).toInt());
 
     for (QTreeWidget* tree : {ui.treeBatches, ui.treeNodes}) {
         tree->setRootIsDecorated(false);

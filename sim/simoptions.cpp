@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "commandlineoption.h"
+#include "serveraddress.h"
 
 namespace {
 
@@ -60,14 +61,13 @@ bool parseSimOptions(const std::vector<std::string>& args, SimOptions& options, 
         std::string bad = "bad value for ";
         bad.append(name).append(": ").append(value);
         if (name == "--listen") {
-            const std::size_t colon = value.rfind(':');
-            if (colon == std::string::npos || colon == 0
-                || !toUnsigned(value.substr(colon + 1), 65535, number)) {
-                error = "--listen needs ADDRESS:PORT, got " + value;
+            // The simulator needs an address of its own: an empty host is refused too.
+            int port = 0;
+            if (!parseListenAddress(value, options.address, port) || options.address.empty()) {
+                error = badListenAddress(value);
                 return false;
             }
-            options.address = value.substr(0, colon);
-            options.port = static_cast<std::uint16_t>(number);
+            options.port = static_cast<std::uint16_t>(port);
         } else if (name == "--speed" || name == "--failure-rate") {
             if (!toReal(value, real) || real < 0.0) {
                 error = bad;

@@ -5,12 +5,13 @@
 #include <vector>
 
 #include "farm.h"
+#include "serveraddress.h"
 #include "simserver.h"
 
 struct SimOptions
 {
     std::string address = "127.0.0.1";
-    std::uint16_t port = 5840;
+    std::uint16_t port = DefaultServerPort;
     FarmConfig farm;
     ServerConfig server;
     bool startTimeGiven = false;

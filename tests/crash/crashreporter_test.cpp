@@ -376,6 +376,18 @@ TEST_F(CrashReporterTest, MissingReporterMakesCallbackFailButExtraIsWritten)
     EXPECT_TRUE(CrashTest::fileExists(dumps.path() + "/id.extra"));
 }
 
+TEST_F(CrashReporterTest, ExtraIsReadableByItsOwnerOnlyWhateverTheUmask)
+{
+    ASSERT_TRUE(CrashReporter::install());
+    TemporaryDirectory dumps;
+    const mode_t previous = ::umask(0);
+    CrashReporter::onMinidumpWritten(dumps.path().c_str(), "mode", nullptr, true);
+    ::umask(previous);
+    struct stat status = {};
+    ASSERT_EQ(::stat((dumps.path() + "/mode.extra").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+}
+
 TEST_F(CrashReporterTest, UnopenableExtraIsSkippedAndReporterStillStarts)
 {
     addStandInReporter();
