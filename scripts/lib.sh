@@ -1,5 +1,29 @@
-# Shared by the scripts that start the programs: waiting for a program to
-# listen, a virtual screen, and a picture of the monitor's window. Sourced.
+# shellcheck shell=bash
+# Shared by the scripts: installing Debian packages, waiting for a program to
+# listen, a virtual screen, a picture of the monitor's window, and the
+# Prometheus pictures' farms. Sourced.
+
+# need_packages WHO PACKAGE...: installs those of the Debian packages that are
+# missing. Only root may; anyone else is told the exact command to run as
+# root, and the script stops.
+need_packages() {
+    local who=$1 p missing=()
+    shift
+    for p in "$@"; do
+        if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+            missing+=("$p")
+        fi
+    done
+    ((${#missing[@]})) || return 0
+    if [[ $(id -u) -ne 0 ]]; then
+        echo "$who: missing packages; run as root:" >&2
+        echo "  apt-get update && apt-get install -y --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    fi
+    echo "$who: installing ${missing[*]}"
+    DEBIAN_FRONTEND=noninteractive apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
 
 # listening_address LOG: the ADDRESS:PORT of the first "listening on
 # ADDRESS:PORT" line that korvane-sim or korvane-exporter writes to LOG; fails
@@ -40,14 +64,7 @@ screenshot_monitor() {
 # need_chromium WHO: Chromium only takes the pictures of Prometheus' pages, so
 # the test command does not install it; the script that needs it does.
 need_chromium() {
-    command -v chromium >/dev/null && return 0
-    if [[ $(id -u) -ne 0 ]]; then
-        echo "$1: chromium is missing; run as root:" >&2
-        echo "  apt-get install -y --no-install-recommends chromium" >&2
-        exit 1
-    fi
-    echo "$1: installing chromium"
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends chromium >/dev/null
+    command -v chromium >/dev/null || need_packages "$1" chromium
 }
 
 # start_work: a folder of its own ($work) and a list of started programs

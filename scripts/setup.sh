@@ -3,6 +3,8 @@
 # Debian 12's own packages (fonts-noto-cjk draws the Japanese and Chinese
 # texts). Safe to run again: only missing packages are fetched.
 set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+source "$root/scripts/lib.sh"
 
 packages=(
     build-essential cmake ninja-build pkg-config ccache
@@ -23,25 +25,7 @@ packages=(
     at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool
 )
 
-missing=()
-for p in "${packages[@]}"; do
-    if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
-        missing+=("$p")
-    fi
-done
-
-if ((${#missing[@]})); then
-    cmd="apt-get install -y --no-install-recommends ${missing[*]}"
-    if [[ $(id -u) -ne 0 ]]; then
-        echo "setup: missing packages; run as root:" >&2
-        echo "  apt-get update && $cmd" >&2
-        exit 1
-    fi
-    echo "setup: installing ${missing[*]}"
-    export DEBIAN_FRONTEND=noninteractive
-    apt-get update -qq
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
+need_packages setup "${packages[@]}"
 
 # A German locale for the tests that prove numbers ignore the user's region.
 if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
@@ -58,17 +42,9 @@ fi
 # version and tarball integrity; unpacked once into .cache/.
 breakpad_version=0.26.0
 breakpad_integrity=sha512-1CJ6kQDd1UawXgmht3pHKzLPuZPb8xrZlgrN+H6/3zKWsUKapTSF2FE7g2Nji/NnVi+GOsVwM8sm2md6BjJUgg==
-breakpad_cache=$(cd "$(dirname "$0")/.." && pwd)/.cache/minidump-$breakpad_version
+breakpad_cache=$root/.cache/minidump-$breakpad_version
 if [[ ! -f "$breakpad_cache/.unpacked" ]]; then
-    if ! command -v npm >/dev/null; then
-        if [[ $(id -u) -ne 0 ]]; then
-            echo "setup: npm is missing; run as root:" >&2
-            echo "  apt-get update && apt-get install -y --no-install-recommends npm" >&2
-            exit 1
-        fi
-        apt-get update -qq
-        apt-get install -y -qq --no-install-recommends npm >/dev/null
-    fi
+    command -v npm >/dev/null || need_packages setup npm
     download=$(mktemp -d)
     trap 'rm -rf "$download"' EXIT
     echo "setup: fetching minidump@$breakpad_version (Breakpad) from the npm registry"
