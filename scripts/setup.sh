@@ -39,9 +39,15 @@ fi
 # Breakpad, the crash handler's client library, is not packaged for Debian.
 # The npm registry's "minidump" package carries its whole source tree and
 # Breakpad's own minidump_stackwalk, minidump_dump and dump_syms. Pinned by
-# version and tarball integrity; unpacked once into .cache/.
-breakpad_version=0.26.0
-breakpad_integrity=sha512-1CJ6kQDd1UawXgmht3pHKzLPuZPb8xrZlgrN+H6/3zKWsUKapTSF2FE7g2Nji/NnVi+GOsVwM8sm2md6BjJUgg==
+# version and tarball integrity in breakpad/minidump.pin (which the build
+# reads too); unpacked once into .cache/.
+pin() { sed -n "s/^$1=//p" "$root/breakpad/minidump.pin"; }
+breakpad_version=$(pin version)
+breakpad_integrity=$(pin integrity)
+if [[ -z $breakpad_version || -z $breakpad_integrity ]]; then
+    echo "setup: breakpad/minidump.pin needs a version= and an integrity= line" >&2
+    exit 1
+fi
 breakpad_cache=$root/.cache/minidump-$breakpad_version
 if [[ ! -f "$breakpad_cache/.unpacked" ]]; then
     command -v npm >/dev/null || need_packages setup npm
