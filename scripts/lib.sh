@@ -1,5 +1,29 @@
-# Shared by the scripts that start the programs: waiting for a program to
-# listen, a virtual screen, and a picture of the monitor's window. Sourced.
+# shellcheck shell=bash
+# Shared by the scripts: installing Debian packages, waiting for a program to
+# listen, a virtual screen, a picture of the monitor's window, and the
+# Prometheus pictures' farms. Sourced.
+
+# need_packages WHO PACKAGE...: installs those of the Debian packages that are
+# missing. Only root may; anyone else is told the exact command to run as
+# root, and the script stops.
+need_packages() {
+    local who=$1 p missing=()
+    shift
+    for p in "$@"; do
+        if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+            missing+=("$p")
+        fi
+    done
+    ((${#missing[@]})) || return 0
+    if [[ $(id -u) -ne 0 ]]; then
+        echo "$who: missing packages; run as root:" >&2
+        echo "  apt-get update && apt-get install -y --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    fi
+    echo "$who: installing ${missing[*]}"
+    DEBIAN_FRONTEND=noninteractive apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
 
 # listening_address LOG: the ADDRESS:PORT of the first "listening on
 # ADDRESS:PORT" line that korvane-sim or korvane-exporter writes to LOG; fails
@@ -17,16 +41,33 @@ listening_address() {
     return 1
 }
 
-# start_xvfb: a virtual screen of its own. Sets display (":N") and xvfb (its
-# process id, for the caller's clean-up).
+# start_xvfb WHO: a virtual screen of its own, after start_work. Sets display
+# (":N"); Xvfb is ended with the other programs. Fails, saying so, when the
+# screen does not answer within five seconds.
 start_xvfb() {
-    display=:$((90 + RANDOM % 100))
-    Xvfb "$display" -screen 0 1280x900x24 -nolisten tcp >/dev/null 2>&1 &
+    local xvfb number
+    # Xvfb takes a display nobody holds and writes its number once it listens:
+    # a display picked here could be another server's, which would answer.
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/xvfb.display" >"$work/xvfb.log" 2>&1 &
     xvfb=$!
+    pids+=("$xvfb")
     for _ in $(seq 50); do
-        DISPLAY=$display xdpyinfo >/dev/null 2>&1 && return 0
+        kill -0 "$xvfb" 2>/dev/null || break
+        number=$(cat "$work/xvfb.display")
+        if [[ -n $number ]]; then
+            display=:$number
+            DISPLAY=$display xdpyinfo >/dev/null 2>&1 && return 0
+        fi
         sleep 0.1
     done
+    if kill "$xvfb" 2>/dev/null; then
+        echo "$1: Xvfb did not answer within 5 s; ended it" >&2
+    else
+        echo "$1: Xvfb ended before it answered" >&2
+    fi
+    wait "$xvfb" 2>/dev/null || true
+    tail -n 5 "$work/xvfb.log" >&2
+    return 1
 }
 
 # screenshot_monitor DISPLAY FILE: the monitor's own window when it can be
@@ -40,14 +81,7 @@ screenshot_monitor() {
 # need_chromium WHO: Chromium only takes the pictures of Prometheus' pages, so
 # the test command does not install it; the script that needs it does.
 need_chromium() {
-    command -v chromium >/dev/null && return 0
-    if [[ $(id -u) -ne 0 ]]; then
-        echo "$1: chromium is missing; run as root:" >&2
-        echo "  apt-get install -y --no-install-recommends chromium" >&2
-        exit 1
-    fi
-    echo "$1: installing chromium"
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends chromium >/dev/null
+    command -v chromium >/dev/null || need_packages "$1" chromium
 }
 
 # start_work: a folder of its own ($work) and a list of started programs
@@ -60,11 +94,33 @@ start_work() {
 }
 
 end_work() {
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
+    local i
+    # The last started first: the monitor goes before its screen and server.
+    for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+        kill "${pids[$i]}" 2>/dev/null || true
     done
     wait 2>/dev/null || true
     rm -rf "$work"
+}
+
+# start_sim WHO SIM_ARGS...: korvane-sim with SIM_ARGS on a loopback port of
+# its own, after start_work; its output in $work/sim.out, its messages on the
+# caller's stderr. Sets $sim_address (ADDRESS:PORT).
+start_sim() {
+    local who=$1
+    shift
+    build/bin/korvane-sim --listen 127.0.0.1:0 "$@" >"$work/sim.out" &
+    pids+=($!)
+    # shellcheck disable=SC2034 # the caller's
+    sim_address=$(listening_address "$work/sim.out") || { echo "$who: the simulator did not start" >&2; exit 1; }
+}
+
+# start_picture WHO: what each picture of Prometheus' pages starts with:
+# Chromium, korvane-sim and korvane-exporter built, and start_work.
+start_picture() {
+    need_chromium "$1"
+    KORVANE_TARGETS="korvane-sim korvane-exporter" bash scripts/build.sh build >/dev/null
+    start_work
 }
 
 # listening_port LOG WHO: the port of a program's "listening on ADDR:PORT" line.
@@ -95,6 +151,7 @@ YAML
     prometheus --config.file="$work/prometheus.yml" --storage.tsdb.path="$work/data" \
         --web.listen-address="127.0.0.1:$prometheus_port" --log.level=warn 2>"$work/prometheus.err" &
     pids+=($!)
+    # shellcheck disable=SC2154 # $seconds: the caller's collecting time
     echo "$1: collecting for $seconds s (Prometheus on 127.0.0.1:$prometheus_port)"
 }
 
@@ -121,5 +178,6 @@ start_farm() {
     build/bin/korvane-exporter --server "127.0.0.1:$sim_port" --web.listen-address 127.0.0.1:0 \
         >"$work/exporter-$name.out" 2>"$work/exporter-$name.err" &
     pids+=($!)
+    # shellcheck disable=SC2034 # the caller's
     farm_exporter_port=$(listening_port "$work/exporter-$name.out" "$who")
 }

@@ -13,10 +13,7 @@ source scripts/lib.sh
 out=$(realpath -m "${1:-docs/prometheus-farms.png}")
 seconds=${2:-90}
 
-need_chromium prometheus-farms
-KORVANE_TARGETS="korvane-sim korvane-exporter" bash scripts/build.sh build >/dev/null
-
-start_work
+start_picture prometheus-farms
 
 # Farm a and farm b: both number their batches from 1.
 declare -A exporter_port
@@ -34,6 +31,7 @@ sleep "$seconds"
 
 # The dashboard's own expressions, with the variables set as Grafana sets them.
 dashboard_expr() {
+    # shellcheck disable=SC2016 # Python's text; "$farm" is Grafana's variable
     python3 -c '
 import json, sys
 d = json.load(open("docs/grafana-dashboard.json"))

@@ -10,10 +10,7 @@ source scripts/lib.sh
 out=$(realpath -m "${1:-docs/prometheus-graph.png}")
 seconds=${2:-120}
 
-need_chromium prometheus-graph
-KORVANE_TARGETS="korvane-sim korvane-exporter" bash scripts/build.sh build >/dev/null
-
-start_work
+start_picture prometheus-graph
 
 # A farm that moves: nodes fail and recover, batches start and finish.
 start_farm prometheus-graph one --seed 1 --nodes 40 --batches 400 --speed 30 --failure-rate 30

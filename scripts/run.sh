@@ -12,30 +12,20 @@ bash scripts/setup.sh
 bash scripts/build.sh build
 
 bin=$PWD/build/bin
-sim_log=$(mktemp)
-"$bin/korvane-sim" --listen 127.0.0.1:0 --seed 1 "$@" >"$sim_log" &
-sim=$!
-monitor=
-xvfb=
-cleanup() {
-    kill $monitor $sim $xvfb 2>/dev/null || true
-    rm -f "$sim_log"
-}
-trap cleanup EXIT
-
-address=$(listening_address "$sim_log") || { echo "run: the simulator did not start" >&2; exit 1; }
-echo "simulator listening on $address"
+start_work
+start_sim run --seed 1 "$@"
+echo "simulator listening on $sim_address"
 
 if [[ -n "${DISPLAY:-}" ]]; then
-    "$bin/korvane-monitor" --connect "$address"
+    "$bin/korvane-monitor" --connect "$sim_address"
     exit 0
 fi
 
 shot=${KORVANE_SCREENSHOT:-$PWD/build/screenshot.png}
-start_xvfb
+start_xvfb run || exit 1
 
-DISPLAY=$display "$bin/korvane-monitor" --connect "$address" >/dev/null &
-monitor=$!
+DISPLAY=$display "$bin/korvane-monitor" --connect "$sim_address" >/dev/null &
+pids+=($!)
 sleep 4
 screenshot_monitor "$display" "$shot"
 echo "screenshot: $shot"

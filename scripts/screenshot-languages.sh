@@ -10,21 +10,9 @@ bin=$PWD/build/bin
 languages=("$@")
 ((${#languages[@]})) || languages=(ru fr es ja zh_CN)
 
-work=$(mktemp -d)
-sim=
-xvfb=
-monitor=
-cleanup() {
-    kill $monitor $sim $xvfb 2>/dev/null || true
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
-"$bin/korvane-sim" --listen 127.0.0.1:0 --seed 1 >"$work/sim.log" &
-sim=$!
-address=$(listening_address "$work/sim.log") ||
-    { echo "screenshot-languages: the simulator did not start" >&2; exit 1; }
-start_xvfb
+start_work
+start_sim screenshot-languages --seed 1
+start_xvfb screenshot-languages || exit 1
 
 for code in "${languages[@]}"; do
     config=$work/config-$code
@@ -37,13 +25,15 @@ for code in "${languages[@]}"; do
         ja) locale=ja_JP.UTF-8 ;;
         *) locale=${code}_${code^^}.UTF-8 ;;
     esac
-    DISPLAY=$display XDG_CONFIG_HOME=$config LANG=$locale "$bin/korvane-monitor" --connect "$address" >/dev/null &
+    DISPLAY=$display XDG_CONFIG_HOME=$config LANG=$locale "$bin/korvane-monitor" --connect "$sim_address" >/dev/null &
     monitor=$!
+    pids+=("$monitor")
     sleep 4
     shot=$PWD/docs/main-window-$code.png
     screenshot_monitor "$display" "$shot"
-    kill $monitor
-    wait $monitor 2>/dev/null || true
-    monitor=
+    kill "$monitor"
+    wait "$monitor" 2>/dev/null || true
+    # Ended already: not one for the clean-up at exit.
+    unset 'pids[-1]'
     echo "screenshot: $shot"
 done

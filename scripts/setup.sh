@@ -3,6 +3,8 @@
 # Debian 12's own packages (fonts-noto-cjk draws the Japanese and Chinese
 # texts). Safe to run again: only missing packages are fetched.
 set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+source "$root/scripts/lib.sh"
 
 packages=(
     build-essential cmake ninja-build pkg-config ccache
@@ -23,25 +25,7 @@ packages=(
     at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool
 )
 
-missing=()
-for p in "${packages[@]}"; do
-    if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
-        missing+=("$p")
-    fi
-done
-
-if ((${#missing[@]})); then
-    cmd="apt-get install -y --no-install-recommends ${missing[*]}"
-    if [[ $(id -u) -ne 0 ]]; then
-        echo "setup: missing packages; run as root:" >&2
-        echo "  apt-get update && $cmd" >&2
-        exit 1
-    fi
-    echo "setup: installing ${missing[*]}"
-    export DEBIAN_FRONTEND=noninteractive
-    apt-get update -qq
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
+need_packages setup "${packages[@]}"
 
 # A German locale for the tests that prove numbers ignore the user's region.
 if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
@@ -55,20 +39,18 @@ fi
 # Breakpad, the crash handler's client library, is not packaged for Debian.
 # The npm registry's "minidump" package carries its whole source tree and
 # Breakpad's own minidump_stackwalk, minidump_dump and dump_syms. Pinned by
-# version and tarball integrity; unpacked once into .cache/.
-breakpad_version=0.26.0
-breakpad_integrity=sha512-1CJ6kQDd1UawXgmht3pHKzLPuZPb8xrZlgrN+H6/3zKWsUKapTSF2FE7g2Nji/NnVi+GOsVwM8sm2md6BjJUgg==
-breakpad_cache=$(cd "$(dirname "$0")/.." && pwd)/.cache/minidump-$breakpad_version
+# version and tarball integrity in breakpad/minidump.pin (which the build
+# reads too); unpacked once into .cache/.
+pin() { sed -n "s/^$1=//p" "$root/breakpad/minidump.pin"; }
+breakpad_version=$(pin version)
+breakpad_integrity=$(pin integrity)
+if [[ -z $breakpad_version || -z $breakpad_integrity ]]; then
+    echo "setup: breakpad/minidump.pin needs a version= and an integrity= line" >&2
+    exit 1
+fi
+breakpad_cache=$root/.cache/minidump-$breakpad_version
 if [[ ! -f "$breakpad_cache/.unpacked" ]]; then
-    if ! command -v npm >/dev/null; then
-        if [[ $(id -u) -ne 0 ]]; then
-            echo "setup: npm is missing; run as root:" >&2
-            echo "  apt-get update && apt-get install -y --no-install-recommends npm" >&2
-            exit 1
-        fi
-        apt-get update -qq
-        apt-get install -y -qq --no-install-recommends npm >/dev/null
-    fi
+    command -v npm >/dev/null || need_packages setup npm
     download=$(mktemp -d)
     trap 'rm -rf "$download"' EXIT
     echo "setup: fetching minidump@$breakpad_version (Breakpad) from the npm registry"
