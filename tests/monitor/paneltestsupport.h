@@ -37,6 +37,16 @@ struct PanelWidgets
     QTreeWidget* nodes;
 };
 
+// The worker's queue as "type id priority", oldest first.
+inline std::vector<std::string> queued(const Monitor& panel)
+{
+    std::vector<std::string> texts;
+    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
+        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
+            + std::to_string(command.priority));
+    return texts;
+}
+
 // Answers every warning box the panel opens, remembering title and text.
 class MessageBoxCatcher final : public QObject
 {

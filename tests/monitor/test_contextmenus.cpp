@@ -42,16 +42,6 @@ std::vector<std::string> commandLines(const std::string& received)
     return lines;
 }
 
-// The worker's queue as "type id priority", oldest first.
-std::vector<std::string> queued(const Monitor& panel)
-{
-    std::vector<std::string> texts;
-    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
-        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
-            + std::to_string(command.priority));
-    return texts;
-}
-
 std::size_t occurrences(const std::string& text, const std::string& what)
 {
     std::size_t n = 0;
