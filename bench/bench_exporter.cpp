@@ -18,6 +18,8 @@
 #include "farmreader.h"
 #include "gzip.h"
 #include "metricstext.h"
+#include "simprocess.h"
+#include "testpaths.h"
 
 namespace {
 
@@ -201,9 +203,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: bench_exporter [--soak SECONDS]\n");
         return 2;
     }
-    ChildProcess sim(KORVANE_SIM_PROGRAM,
-        {"--listen", "127.0.0.1:0", "--batches", "10000", "--nodes", "2000", "--seed", "1"});
-    const int simPort = sim.listeningPort();
+    SimProcess sim({"--batches", "10000", "--nodes", "2000", "--seed", "1"});
+    const int simPort = sim.port();
     ChildProcess exporter(KORVANE_EXPORTER_PROGRAM,
         {"--listen", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(simPort)});
     const int exporterPort = exporter.listeningPort();
@@ -220,8 +221,7 @@ int main(int argc, char** argv)
         std::printf("exporter resident memory after the scrapes: %ld KiB\n", residentKiB(exporter.pid()));
     }
     exporter.signal(SIGTERM);
-    sim.signal(SIGTERM);
     const int exporterExit = exporter.wait();
-    sim.wait();
+    sim.stop();
     return exporterExit;
 }

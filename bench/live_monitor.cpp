@@ -9,14 +9,15 @@
 #include <fstream>
 #include <string>
 #include <sys/resource.h>
+#include <vector>
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QTimer>
 #include <QTreeWidget>
 
 #include "monitor.h"
+#include "simprocess.h"
 
 namespace {
 
@@ -50,17 +51,15 @@ int main(int argc, char** argv)
     QStringList arguments = QCoreApplication::arguments().mid(1);
     const int seconds = arguments.isEmpty() ? 60 : arguments.takeFirst().toInt();
 
-    QProcess sim;
-    sim.setProgram(QStringLiteral(KORVANE_SIM_PATH));
-    sim.setArguments(QStringList {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"),
-                         QStringLiteral("--seed"), QStringLiteral("1")}
-        + arguments);
-    sim.start();
-    if (!sim.waitForReadyRead(30000)) {
+    std::vector<std::string> options {"--seed", "1"};
+    for (const QString& argument : arguments)
+        options.push_back(argument.toStdString());
+    SimProcess sim(options);
+    if (sim.port() == 0) {
         std::fprintf(stderr, "live_monitor: the simulator did not start\n");
         return 1;
     }
-    const int port = QString::fromUtf8(sim.readLine()).trimmed().section(QLatin1Char(':'), -1).toInt();
+    const int port = sim.port();
 
     Monitor panel(nullptr);
     panel.resize(1000, 700);
@@ -107,7 +106,6 @@ int main(int argc, char** argv)
         static_cast<long long>(longestStall));
     std::fprintf(stderr, "resident memory at the end: %ld KiB\n", residentKiB());
     panel.shutdown(5000);
-    sim.terminate();
-    sim.waitForFinished(5000);
+    sim.stop();
     return 0;
 }

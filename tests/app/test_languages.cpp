@@ -20,6 +20,7 @@
 #include "application.h"
 #include "batchdetailsdialog.h"
 #include "mainwindow.h"
+#include "mainwindowmenus.h"
 #include "monitor.h"
 #include "taskdisplaynames.h"
 #include "testenvironment.h"
@@ -76,14 +77,6 @@ void loadStoredLanguage(const char* code)
     ASSERT_EQ(Application::loadUserLanguage(), QString::fromLatin1(code));
     for (int i = 0; i < 3; ++i)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LanguageChange);
-}
-
-QList<QMenu*> menus(const MainWindow& window)
-{
-    QList<QMenu*> result;
-    for (QAction* action : window.menuBar()->actions())
-        result.append(action->menu());
-    return result;
 }
 
 class LanguageTest : public ::testing::TestWithParam<Language>

@@ -15,6 +15,7 @@
 #include "aboutdialog.h"
 #include "application.h"
 #include "mainwindow.h"
+#include "mainwindowmenus.h"
 #include "monitor.h"
 #include "scriptedserver.h"
 #include "testenvironment.h"
@@ -28,14 +29,6 @@ void switchLanguage(const char* language)
     Application::loadTranslation(QLatin1String(language));
     for (int i = 0; i < 3; ++i)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LanguageChange);
-}
-
-QList<QMenu*> menus(const MainWindow& window)
-{
-    QList<QMenu*> result;
-    for (QAction* action : window.menuBar()->actions())
-        result.append(action->menu());
-    return result;
 }
 
 QAction* exitAction(const MainWindow& window)

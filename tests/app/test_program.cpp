@@ -13,6 +13,7 @@
 
 #include "qtprinters.h"
 #include "scriptedserver.h"
+#include "testpaths.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ struct ProcessResult
 ProcessResult runMonitor(const QStringList& arguments)
 {
     QProcess process;
-    process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
+    process.start(QStringLiteral(KORVANE_MONITOR_PROGRAM), arguments);
     ProcessResult run;
     if (!process.waitForFinished(30000)) {
         process.kill();
@@ -48,7 +49,7 @@ void startMonitor(QProcess& process, const QTemporaryDir& config, const QStringL
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     environment.insert(extra);
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(KORVANE_MONITOR_PATH), arguments);
+    process.start(QStringLiteral(KORVANE_MONITOR_PROGRAM), arguments);
 }
 
 // What the probe reports from inside a monitor started with this
@@ -62,7 +63,7 @@ QString probeStartUp(const QString& language, const QProcessEnvironment& extra =
         settings.setValue(QStringLiteral("main/language"), language);
     }
     QProcessEnvironment environment = extra;
-    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KORVANE_PROBE_PLUGINS));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KORVANE_PROBE_PLUGINS_DIR));
     environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("korvaneprobe"));
     environment.insert(QStringLiteral("KORVANE_PROBE"), QStringLiteral("startup"));
     QProcess process;
@@ -105,7 +106,7 @@ TEST(Program, HelpAndVersionNeedNoDisplay)
     for (const char* option : {"--version", "-v", "--help", "-h"}) {
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(KORVANE_MONITOR_PATH), {QString::fromLatin1(option)});
+        process.start(QStringLiteral(KORVANE_MONITOR_PROGRAM), {QString::fromLatin1(option)});
         ASSERT_TRUE(process.waitForFinished(30000)) << option;
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << option;
         EXPECT_EQ(process.exitCode(), 0) << option;
@@ -114,7 +115,7 @@ TEST(Program, HelpAndVersionNeedNoDisplay)
             EXPECT_EQ(out, QStringLiteral("Korvane Monitor 0.1.0 build 2834\n")) << option;
         else
             EXPECT_TRUE(
-                out.startsWith(QStringLiteral("Usage: " KORVANE_MONITOR_PATH " [options]\n"
+                out.startsWith(QStringLiteral("Usage: " KORVANE_MONITOR_PROGRAM " [options]\n"
                                               "Operator's monitor for a distributed processing server.\n")))
                 << option;
         EXPECT_EQ(QString::fromUtf8(process.readAllStandardError()), QString()) << option;

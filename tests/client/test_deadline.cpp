@@ -11,6 +11,7 @@
 
 #include "consolecapture.h"
 #include "controlclient.h"
+#include "loopback.h"
 #include "scriptedserver.h"
 
 using namespace std::chrono_literals;
@@ -58,19 +59,6 @@ private:
     int m_port = 0;
     std::vector<int> m_fillers;
 };
-
-int freeLoopbackPort()
-{
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    const bool bound = ::bind(fd, reinterpret_cast<sockaddr*>(&address), length) == 0
-        && ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) == 0;
-    ::close(fd);
-    return bound ? ntohs(address.sin_port) : 0;
-}
 
 int intOption(int socket, int level, int name)
 {

@@ -70,13 +70,6 @@ std::string parseErrorOf(const std::string& text)
 
 } // namespace
 
-TEST(ControlClientConnection, InitSucceeds)
-{
-    ControlClient client;
-    EXPECT_TRUE(client.init());
-    EXPECT_TRUE(client.init());
-}
-
 TEST(ControlClientConnection, NewClientIsNotConnected)
 {
     const ConsoleCapture console;

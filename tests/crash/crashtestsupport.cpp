@@ -17,23 +17,12 @@
 #include <thread>
 #include <unistd.h>
 
+#include "tempdirectory.h"
+#include "testpaths.h"
+
 extern char** environ;
 
 namespace CrashTest {
-
-TemporaryDirectory::TemporaryDirectory()
-{
-    char pattern[] = "/tmp/korvane-crash-test-XXXXXX";
-    if (!mkdtemp(pattern))
-        throw std::runtime_error("mkdtemp failed");
-    m_path = pattern;
-}
-
-TemporaryDirectory::~TemporaryDirectory()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
 
 ProcessResult runProcess(const std::vector<std::string>& arguments,
     const std::map<std::string, std::string>& environment, int timeoutMs)
@@ -80,30 +69,6 @@ ProcessResult runProcess(const std::vector<std::string>& arguments,
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-}
-
-bool fileExists(const std::string& path)
-{
-    return access(path.c_str(), F_OK) == 0;
-}
-
-bool waitForFile(const std::string& path, int timeoutMs)
-{
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (!fileExists(path)) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
 }
 
 ReporterRecord readReporterRecord(const std::string& path)
@@ -200,7 +165,7 @@ bool fieldValue(const std::string& line, const std::string& name, std::string& v
 ProcessedDump processDump(const std::string& dumpPath, const std::vector<std::string>& symbolPaths)
 {
     ProcessedDump dump;
-    std::vector<std::string> arguments = {MINIDUMP_STACKWALK, "-m", dumpPath};
+    std::vector<std::string> arguments = {KORVANE_MINIDUMP_STACKWALK_PROGRAM, "-m", dumpPath};
     arguments.insert(arguments.end(), symbolPaths.begin(), symbolPaths.end());
     dump.stackwalk = commandOutput(arguments);
 
@@ -227,7 +192,7 @@ ProcessedDump processDump(const std::string& dumpPath, const std::vector<std::st
         }
     }
 
-    std::istringstream dumped(commandOutput({MINIDUMP_DUMP, dumpPath}));
+    std::istringstream dumped(commandOutput({KORVANE_MINIDUMP_DUMP_PROGRAM, dumpPath}));
     std::size_t thread = 0;
     std::string section;
     while (std::getline(dumped, line)) {
@@ -264,7 +229,7 @@ void writeSystemSymbols(const std::string& dumpPath, const std::string& store)
         const std::filesystem::path name = std::filesystem::path(module).filename();
         if (std::filesystem::exists(std::filesystem::path(store) / name))
             continue;
-        const std::string symbols = commandOutput({DUMP_SYMS, module});
+        const std::string symbols = commandOutput({KORVANE_DUMP_SYMS_PROGRAM, module});
         // MODULE <os> <cpu> <id> <name>
         std::istringstream header(symbols.substr(0, symbols.find('\n')));
         std::string word, os, cpu, id, moduleName;

@@ -6,23 +6,9 @@
 #include <sys/types.h>
 #include <vector>
 
-// Helpers of the crash tests: private directories, child processes and a
-// reader for the minidump files they leave.
+// Helpers of the crash tests: child processes with an environment of their
+// own and a reader for the minidump files they leave.
 namespace CrashTest {
-
-// A fresh directory under /tmp, removed with everything in it.
-class TemporaryDirectory final
-{
-public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
-    const std::string& path() const { return m_path; }
-
-private:
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-    std::string m_path;
-};
 
 struct ProcessResult
 {
@@ -34,11 +20,6 @@ struct ProcessResult
 // waits for it; after timeoutMs (0: no limit) it is killed.
 ProcessResult runProcess(const std::vector<std::string>& arguments,
     const std::map<std::string, std::string>& environment, int timeoutMs = 0);
-
-// Waits up to timeoutMs for a file to exist.
-bool waitForFile(const std::string& path, int timeoutMs = 20000);
-bool fileExists(const std::string& path);
-std::string readFile(const std::string& path);
 
 // key=value lines of the stand-in reporter's record; "argv" repeats, so
 // it comes back as a list.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <httplib.h>
 #include <string>
@@ -9,35 +10,33 @@
 #include <json/reader.h>
 
 #include "childprocess.h"
-#include "exportertestsupport.h"
-#include "tempdir.h"
+#include "loopback.h"
+#include "tempdirectory.h"
 
 // A real Prometheus server on a free loopback port, with the scrape
 // configuration given and its data in a folder of its own.
 class PrometheusServer final
 {
 public:
-    PrometheusServer(const TempDir& dir, const std::string& scrapeConfigs)
+    PrometheusServer(const TempDirectory& dir, const std::string& scrapeConfigs)
         : m_port(freeLoopbackPort())
         , m_process("/usr/bin/prometheus",
-              {"--config.file="
-                      + dir.write("prometheus.yml",
-                          "global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nscrape_configs:\n"
-                              + scrapeConfigs),
-                  "--storage.tsdb.path=" + dir.file("data"),
+              {"--config.file=" + configFile(dir, scrapeConfigs), "--storage.tsdb.path=" + dir.path("data"),
                   "--web.listen-address=127.0.0.1:" + std::to_string(m_port), "--log.level=warn"})
     {
     }
-    ~PrometheusServer()
-    {
-        m_process.signal(SIGTERM);
-        m_process.wait();
-    }
+    ~PrometheusServer() { stop(); }
     PrometheusServer(const PrometheusServer&) = delete;
     PrometheusServer& operator=(const PrometheusServer&) = delete;
 
     int port() const { return m_port; }
     std::string err() { return m_process.err(); }
+    // Ends it with SIGTERM; its exit code.
+    int stop()
+    {
+        m_process.signal(SIGTERM);
+        return m_process.wait();
+    }
 
     // The body of a GET, or empty on failure.
     std::string get(const std::string& path, const httplib::Params& params = {})
@@ -87,6 +86,14 @@ public:
     }
 
 private:
+    // Scrapes every second, each given a second.
+    static std::string configFile(const TempDirectory& dir, const std::string& scrapeConfigs)
+    {
+        dir.writeFile("prometheus.yml",
+            "global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\nscrape_configs:\n" + scrapeConfigs);
+        return dir.path("prometheus.yml");
+    }
+
     int m_port;
     ChildProcess m_process;
 };

@@ -1,8 +1,16 @@
+#include <chrono>
 #include <iostream>
+#include <thread>
+
+#include <json/value.h>
 
 #include <gtest/gtest.h>
 
+#include "childprocess.h"
 #include "prometheusserver.h"
+#include "simprocess.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace std::chrono_literals;
 
@@ -14,15 +22,14 @@ using namespace std::chrono_literals;
 // batch's start time and a node's first error.
 TEST(ExporterChurn, TenMinutesOfAMovingFarmCreateFewSeries)
 {
-    ChildProcess sim(KORVANE_SIM_PROGRAM,
-        {"--listen", "127.0.0.1:0", "--seed", "1", "--batches", "200", "--nodes", "40", "--speed", "15"});
-    const int simPort = sim.listeningPort();
+    SimProcess sim({"--seed", "1", "--batches", "200", "--nodes", "40", "--speed", "15"});
+    const int simPort = sim.port();
     ASSERT_GT(simPort, 0);
     ChildProcess exporter(KORVANE_EXPORTER_PROGRAM,
         {"--web.listen-address", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(simPort)});
     const int exporterPort = exporter.listeningPort();
     ASSERT_GT(exporterPort, 0);
-    TempDir dir;
+    TempDirectory dir;
     PrometheusServer prometheus(dir,
         "  - job_name: korvane\n    static_configs:\n      - targets: ['127.0.0.1:"
             + std::to_string(exporterPort) + "']\n");
@@ -59,6 +66,5 @@ TEST(ExporterChurn, TenMinutesOfAMovingFarmCreateFewSeries)
 
     exporter.signal(SIGTERM);
     EXPECT_EQ(exporter.wait(), 0);
-    sim.signal(SIGTERM);
-    EXPECT_EQ(sim.wait(), 0);
+    EXPECT_EQ(sim.stop(), 0);
 }

@@ -1,4 +1,3 @@
-#include <fstream>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -8,22 +7,16 @@
 
 #include <gtest/gtest.h>
 
+#include "childprocess.h"
 #include "metricstext.h"
-#include "tempdir.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 // The example alert rules and Grafana dashboard of the documentation: valid,
 // firing when they should, and naming only metrics the exporter writes.
 namespace {
 
 const std::string Docs = KORVANE_DOCS_DIR;
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // Every family of a farm in which each kind of series occurs.
 std::set<std::string> exportedFamilies()

@@ -1,14 +1,16 @@
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include <json/reader.h>
 
 #include <gtest/gtest.h>
 
+#include "childprocess.h"
 #include "consolecapture.h"
 #include "controlclient.h"
 #include "prometheusserver.h"
+#include "simprocess.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace std::chrono_literals;
 
@@ -18,16 +20,7 @@ using namespace std::chrono_literals;
 namespace {
 
 const std::string Exporter = KORVANE_EXPORTER_PROGRAM;
-const std::string Sim = KORVANE_SIM_PROGRAM;
 const std::string Docs = KORVANE_DOCS_DIR;
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 std::string replaced(std::string text, const std::string& from, const std::string& to)
 {
@@ -47,9 +40,8 @@ class Site final
 {
 public:
     explicit Site(const std::string& seed)
-        : m_sim(Sim,
-            {"--listen", "127.0.0.1:0", "--seed", seed, "--nodes", "40", "--batches", "60", "--speed", "20"})
-        , m_simPort(m_sim.listeningPort())
+        : m_sim({"--seed", seed, "--nodes", "40", "--batches", "60", "--speed", "20"})
+        , m_simPort(m_sim.port())
         , m_exporter(Exporter,
               {"--web.listen-address", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(m_simPort)})
         , m_port(m_exporter.listeningPort())
@@ -59,8 +51,7 @@ public:
     {
         m_exporter.signal(SIGTERM);
         EXPECT_EQ(m_exporter.wait(), 0);
-        m_sim.signal(SIGTERM);
-        m_sim.wait();
+        m_sim.stop();
     }
     Site(const Site&) = delete;
     Site& operator=(const Site&) = delete;
@@ -85,7 +76,7 @@ public:
     }
 
 private:
-    ChildProcess m_sim;
+    SimProcess m_sim;
     int m_simPort;
     ChildProcess m_exporter;
     int m_port;
@@ -108,7 +99,7 @@ TEST(ExporterFarms, TwoFarmsInOnePrometheusWithTheDashboardsQueries)
     Site a("1");
     Site b("2");
     ASSERT_TRUE(a.started() && b.started());
-    TempDir dir;
+    TempDirectory dir;
     PrometheusServer prometheus(dir,
         "  - job_name: korvane\n    static_configs:\n"
         "      - targets: ['"

@@ -1,5 +1,4 @@
 #include <chrono>
-#include <fstream>
 #include <httplib.h>
 #include <sstream>
 #include <thread>
@@ -9,7 +8,9 @@
 #include "childprocess.h"
 #include "exporteroptions.h"
 #include "scriptedserver.h"
-#include "tempdir.h"
+#include "simprocess.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace std::chrono_literals;
 
@@ -18,7 +19,6 @@ using namespace std::chrono_literals;
 namespace {
 
 const std::string Exporter = KORVANE_EXPORTER_PROGRAM;
-const std::string Sim = KORVANE_SIM_PROGRAM;
 const std::string SourceDir = KORVANE_EXPORTER_SOURCE_DIR;
 
 std::string scrape(int port)
@@ -28,14 +28,6 @@ std::string scrape(int port)
     const httplib::Result result = client.Get("/metrics");
     EXPECT_TRUE(result);
     return result ? result->body : std::string();
-}
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
 }
 
 } // namespace
@@ -124,11 +116,11 @@ TEST(ExporterProgram, SigtermEndsItWhileAScrapeWaitsOnAQuietServer)
 
 TEST(ExporterProgram, PromtoolFindsNoProblemInTheRealOutput)
 {
-    ChildProcess sim(Sim, {"--listen", "127.0.0.1:0", "--batches", "300", "--nodes", "40", "--speed", "60"});
-    const int simPort = sim.listeningPort();
+    SimProcess sim({"--batches", "300", "--nodes", "40", "--speed", "60"});
+    const int simPort = sim.port();
     ASSERT_GT(simPort, 0);
     std::this_thread::sleep_for(1s); // a moving farm: nodes at work, errors, batches of every status
-    TempDir dir;
+    TempDirectory dir;
     for (const bool all : {false, true}) {
         std::vector<std::string> args {"--web.listen-address", "127.0.0.1:0", "--server",
             "127.0.0.1:" + std::to_string(simPort),
@@ -143,22 +135,23 @@ TEST(ExporterProgram, PromtoolFindsNoProblemInTheRealOutput)
         ASSERT_NE(body.find("status=\"working\"} 1\n"), std::string::npos);
         ASSERT_NE(
             body.find("\nkorvane_exporter_build_info{version=\"0.1.0.2834\",revision=\""), std::string::npos);
-        const std::string file = dir.write(all ? "all.txt" : "active.txt", body);
+        const std::string file = dir.path(all ? "all.txt" : "active.txt");
+        dir.writeFile(all ? "all.txt" : "active.txt", body);
         std::string output;
         EXPECT_EQ(runCommand("promtool check metrics < " + file, output), 0) << output;
         EXPECT_EQ(output, "");
         exporter.signal(SIGTERM);
         EXPECT_EQ(exporter.wait(), 0);
     }
-    sim.signal(SIGTERM);
-    EXPECT_EQ(sim.wait(), 0);
+    EXPECT_EQ(sim.stop(), 0);
 }
 
 TEST(ExporterProgram, PromtoolWouldSeeAWrongCounter)
 {
     // The check above can fail: the same checker on a counter without _total.
-    TempDir dir;
-    const std::string file = dir.write("wrong.txt",
+    TempDirectory dir;
+    const std::string file = dir.path("wrong.txt");
+    dir.writeFile("wrong.txt",
         "# HELP korvane_node_errors Errors.\n# TYPE korvane_node_errors counter\nkorvane_node_errors 1\n");
     std::string output;
     EXPECT_NE(runCommand("promtool check metrics < " + file, output), 0);
@@ -168,13 +161,13 @@ TEST(ExporterProgram, PromtoolWouldSeeAWrongCounter)
 TEST(ExporterProgram, SystemdAcceptsTheUnit)
 {
     // A root with the unit and the program where the package puts them, and systemd's own units.
-    TempDir root;
+    TempDirectory root;
     std::string output;
     ASSERT_EQ(
-        runCommand("mkdir -p " + root.file("usr/bin") + " " + root.file("usr/lib/systemd") + " && cp -r "
-                + "/usr/lib/systemd/system " + root.file("usr/lib/systemd/") + " && cp " + Exporter + " "
-                + root.file("usr/bin/") + " && cp " + SourceDir + "/korvane-exporter.service " + SourceDir
-                + "/korvane-exporter@.service " + root.file("usr/lib/systemd/system/"),
+        runCommand("mkdir -p " + root.path("usr/bin") + " " + root.path("usr/lib/systemd") + " && cp -r "
+                + "/usr/lib/systemd/system " + root.path("usr/lib/systemd/") + " && cp " + Exporter + " "
+                + root.path("usr/bin/") + " && cp " + SourceDir + "/korvane-exporter.service " + SourceDir
+                + "/korvane-exporter@.service " + root.path("usr/lib/systemd/system/"),
             output),
         0)
         << output;
@@ -214,14 +207,14 @@ TEST(ExporterProgram, SystemdAcceptsTheUnit)
         = "systemd-analyze verify --man=no --root=" + root.path() + " korvane-exporter.service";
     std::string broken = unit;
     broken.replace(broken.find("ProtectSystem=strict"), 20, "ProtectSystem=sometimes");
-    root.write("usr/lib/systemd/system/korvane-exporter.service", broken);
+    root.writeFile("usr/lib/systemd/system/korvane-exporter.service", broken);
     runCommand(verify, output);
     EXPECT_NE(output.find("Failed to parse protect system value, ignoring: sometimes"), std::string::npos)
         << output;
     // ... and refuses a program that is not there.
     broken = unit;
     broken.replace(broken.find("/usr/bin/korvane-exporter"), 25, "/usr/bin/korvane-exporterd");
-    root.write("usr/lib/systemd/system/korvane-exporter.service", broken);
+    root.writeFile("usr/lib/systemd/system/korvane-exporter.service", broken);
     EXPECT_NE(runCommand(verify, output), 0);
     EXPECT_NE(output.find("Command /usr/bin/korvane-exporterd is not executable"), std::string::npos)
         << output;

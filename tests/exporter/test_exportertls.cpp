@@ -1,17 +1,15 @@
 #include <chrono>
-#include <fstream>
-#include <functional>
-#include <httplib.h>
-#include <sstream>
 #include <thread>
 
-#include <json/reader.h>
+#include <json/value.h>
 
 #include <gtest/gtest.h>
 
 #include "childprocess.h"
-#include "exportertestsupport.h"
-#include "tempdir.h"
+#include "prometheusserver.h"
+#include "simprocess.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace std::chrono_literals;
 
@@ -21,23 +19,16 @@ using namespace std::chrono_literals;
 namespace {
 
 const std::string Exporter = KORVANE_EXPORTER_PROGRAM;
-const std::string Sim = KORVANE_SIM_PROGRAM;
 const std::string SourceDir = KORVANE_EXPORTER_SOURCE_DIR;
 
 // "secret" and "change-me" as bcrypt hashes of cost 4 and 10.
 const std::string SecretHash = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
 
-int run(const std::string& command, std::string& output)
-{
-    const int code = runCommand(command, output);
-    return code;
-}
-
 // A CA and a certificate signed by it, for the name or address given.
 class Certificates final
 {
 public:
-    explicit Certificates(const TempDir& dir)
+    explicit Certificates(const TempDirectory& dir)
         : m_dir(dir)
     {
     }
@@ -50,19 +41,20 @@ public:
             "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj '/CN="
             + name
             + "' -addext basicConstraints=critical,CA:TRUE -addext keyUsage=keyCertSign,cRLSign -keyout "
-            + m_dir.file(name + ".key") + " -out " + m_dir.file(name + ".crt"));
+            + m_dir.path(name + ".key") + " -out " + m_dir.path(name + ".crt"));
     }
 
     // name.crt and name.key, signed by ca; usage serverAuth or clientAuth.
     bool makeSigned(const std::string& name, const std::string& ca, const std::string& usage)
     {
-        const std::string extensions = m_dir.write(
+        const std::string extensions = m_dir.path(name + ".ext");
+        m_dir.writeFile(
             name + ".ext", "subjectAltName=IP:127.0.0.1,DNS:localhost\nextendedKeyUsage=" + usage + "\n");
         return ok("openssl req -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -subj '/CN=" + name
-                   + "' -keyout " + m_dir.file(name + ".key") + " -out " + m_dir.file(name + ".csr"))
-            && ok("openssl x509 -req -days 2 -in " + m_dir.file(name + ".csr") + " -CA "
-                + m_dir.file(ca + ".crt") + " -CAkey " + m_dir.file(ca + ".key")
-                + " -CAcreateserial -extfile " + extensions + " -out " + m_dir.file(name + ".crt"));
+                   + "' -keyout " + m_dir.path(name + ".key") + " -out " + m_dir.path(name + ".csr"))
+            && ok("openssl x509 -req -days 2 -in " + m_dir.path(name + ".csr") + " -CA "
+                + m_dir.path(ca + ".crt") + " -CAkey " + m_dir.path(ca + ".key")
+                + " -CAcreateserial -extfile " + extensions + " -out " + m_dir.path(name + ".crt"));
     }
 
     const std::string& output() const { return m_output; }
@@ -71,13 +63,13 @@ private:
     bool ok(const std::string& command)
     {
         std::string output;
-        const bool done = run(command, output) == 0;
+        const bool done = runCommand(command, output) == 0;
         if (!done)
             m_output += command + "\n" + output;
         return done;
     }
 
-    const TempDir& m_dir;
+    const TempDirectory& m_dir;
     std::string m_output;
 };
 
@@ -91,25 +83,19 @@ struct CurlResult
     std::string errors;
 };
 
-CurlResult curl(const TempDir& dir, const std::string& arguments)
+CurlResult curl(const TempDirectory& dir, const std::string& arguments)
 {
     CurlResult result;
     std::string output;
-    result.exitCode = run("(curl -sS --max-time 20 -o " + dir.file("body") + " -D " + dir.file("headers")
-            + " -w '%{http_code}' " + arguments + " 2>" + dir.file("curl.err") + ")",
+    result.exitCode = runCommand("(curl -sS --max-time 20 -o " + dir.path("body") + " -D "
+            + dir.path("headers") + " -w '%{http_code}' " + arguments + " 2>" + dir.path("curl.err") + ")",
         output);
     result.status = output;
-    const auto read = [](const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    };
-    result.body = read(dir.file("body"));
-    result.headers = read(dir.file("headers"));
-    result.errors = read(dir.file("curl.err"));
-    std::remove(dir.file("body").c_str());
-    std::remove(dir.file("headers").c_str());
+    result.body = readFile(dir.path("body"));
+    result.headers = readFile(dir.path("headers"));
+    result.errors = readFile(dir.path("curl.err"));
+    std::remove(dir.path("body").c_str());
+    std::remove(dir.path("headers").c_str());
     return result;
 }
 
@@ -118,8 +104,8 @@ class WatchedFarm final
 {
 public:
     explicit WatchedFarm(const std::string& webConfig)
-        : m_sim(Sim, {"--listen", "127.0.0.1:0", "--seed", "1"})
-        , m_simPort(m_sim.listeningPort())
+        : m_sim({"--seed", "1"})
+        , m_simPort(m_sim.port())
         , m_exporter(Exporter,
               {"--web.listen-address", "127.0.0.1:0", "--server", "127.0.0.1:" + std::to_string(m_simPort),
                   "--web.config.file", webConfig})
@@ -130,8 +116,7 @@ public:
     {
         m_exporter.signal(SIGTERM);
         EXPECT_EQ(m_exporter.wait(), 0) << m_exporter.err();
-        m_sim.signal(SIGTERM);
-        m_sim.wait();
+        m_sim.stop();
     }
     WatchedFarm(const WatchedFarm&) = delete;
     WatchedFarm& operator=(const WatchedFarm&) = delete;
@@ -144,7 +129,7 @@ public:
     std::string err() { return m_exporter.err(); }
 
 private:
-    ChildProcess m_sim;
+    SimProcess m_sim;
     int m_simPort;
     ChildProcess m_exporter;
     int m_port;
@@ -154,23 +139,23 @@ private:
 
 TEST(ExporterTls, TheRightCaSucceedsAndPlainHttpFails)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("server", "ca", "serverAuth"))
         << certificates.output();
-    const std::string config
-        = dir.write("web.yml", "tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n");
+    const std::string config = dir.path("web.yml");
+    dir.writeFile("web.yml", "tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n");
     WatchedFarm farm(config);
     ASSERT_GT(farm.port(), 0) << farm.err();
 
-    const CurlResult good = curl(dir, "--cacert " + dir.file("ca.crt") + " " + farm.url("https"));
+    const CurlResult good = curl(dir, "--cacert " + dir.path("ca.crt") + " " + farm.url("https"));
     EXPECT_EQ(good.exitCode, 0) << good.errors;
     EXPECT_EQ(good.status, "200");
     EXPECT_NE(good.body.find("\nkorvane_up 1\n"), std::string::npos);
 
     // By name too: the certificate holds localhost.
     EXPECT_EQ(
-        curl(dir, "--cacert " + dir.file("ca.crt") + " " + farm.url("https", "localhost")).status, "200");
+        curl(dir, "--cacert " + dir.path("ca.crt") + " " + farm.url("https", "localhost")).status, "200");
 
     // Without the CA curl does not trust the certificate (60: peer certificate cannot be authenticated).
     const CurlResult untrusted = curl(dir, farm.url("https"));
@@ -185,35 +170,36 @@ TEST(ExporterTls, TheRightCaSucceedsAndPlainHttpFails)
 
     // TLS 1.1 is below the default minimum, TLS 1.2 (35: handshake failed).
     const CurlResult old
-        = curl(dir, "--tls-max 1.1 --cacert " + dir.file("ca.crt") + " " + farm.url("https"));
+        = curl(dir, "--tls-max 1.1 --cacert " + dir.path("ca.crt") + " " + farm.url("https"));
     EXPECT_EQ(old.exitCode, 35) << old.errors;
 }
 
 TEST(ExporterTls, RequireAndVerifyClientCertRefusesAWrongCertificate)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("server", "ca", "serverAuth")
         && certificates.makeCa("clients") && certificates.makeSigned("prometheus", "clients", "clientAuth")
         && certificates.makeCa("stranger-ca")
         && certificates.makeSigned("stranger", "stranger-ca", "clientAuth"))
         << certificates.output();
-    const std::string config = dir.write("web.yml",
+    const std::string config = dir.path("web.yml");
+    dir.writeFile("web.yml",
         "tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n"
         "  client_auth_type: RequireAndVerifyClientCert\n  client_ca_file: clients.crt\n");
     WatchedFarm farm(config);
     ASSERT_GT(farm.port(), 0) << farm.err();
-    const std::string ca = "--cacert " + dir.file("ca.crt") + " ";
+    const std::string ca = "--cacert " + dir.path("ca.crt") + " ";
 
     const CurlResult right = curl(dir,
-        ca + "--cert " + dir.file("prometheus.crt") + " --key " + dir.file("prometheus.key") + " "
+        ca + "--cert " + dir.path("prometheus.crt") + " --key " + dir.path("prometheus.key") + " "
             + farm.url("https"));
     EXPECT_EQ(right.exitCode, 0) << right.errors;
     EXPECT_EQ(right.status, "200");
     EXPECT_NE(right.body.find("\nkorvane_up 1\n"), std::string::npos);
 
     const CurlResult wrong = curl(dir,
-        ca + "--cert " + dir.file("stranger.crt") + " --key " + dir.file("stranger.key") + " "
+        ca + "--cert " + dir.path("stranger.crt") + " --key " + dir.path("stranger.key") + " "
             + farm.url("https"));
     EXPECT_NE(wrong.exitCode, 0);
     EXPECT_EQ(wrong.status, "000");
@@ -226,17 +212,18 @@ TEST(ExporterTls, RequireAndVerifyClientCertRefusesAWrongCertificate)
 
 TEST(ExporterTls, BasicAuthOverTls)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("server", "ca", "serverAuth"))
         << certificates.output();
-    const std::string config = dir.write("web.yml",
+    const std::string config = dir.path("web.yml");
+    dir.writeFile("web.yml",
         "tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n"
         "basic_auth_users:\n  prometheus: "
             + SecretHash + "\n");
     WatchedFarm farm(config);
     ASSERT_GT(farm.port(), 0) << farm.err();
-    const std::string ca = "--cacert " + dir.file("ca.crt") + " ";
+    const std::string ca = "--cacert " + dir.path("ca.crt") + " ";
 
     const CurlResult none = curl(dir, ca + farm.url("https"));
     EXPECT_EQ(none.status, "401");
@@ -254,7 +241,7 @@ TEST(ExporterTls, BasicAuthOverTls)
 
 TEST(ExporterTls, ABadWebConfigurationEndsTheStartWithTwo)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("server", "ca", "serverAuth")
         && certificates.makeSigned("other", "ca", "serverAuth"))
@@ -267,7 +254,7 @@ TEST(ExporterTls, ABadWebConfigurationEndsTheStartWithTwo)
         {"tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n  min_version: TLS14\n",
             ":4: tls_server_config.min_version: not TLS10, TLS11, TLS12 or TLS13: TLS14"},
         {"tls_server_config:\n  cert_file: absent.crt\n  key_file: server.key\n",
-            ":2: tls_server_config.cert_file: cannot read " + dir.file("absent.crt")},
+            ":2: tls_server_config.cert_file: cannot read " + dir.path("absent.crt")},
         {"tls_server_config:\n  cert_file: server.crt\n  key_file: other.key\n",
             ":3: tls_server_config.key_file: not a PEM private key of cert_file: "},
         {"tls_server_config:\n  cert_file: server.key\n  key_file: server.key\n",
@@ -276,51 +263,53 @@ TEST(ExporterTls, ABadWebConfigurationEndsTheStartWithTwo)
             ":2: basic_auth_users.prometheus: not a bcrypt hash ($2b$, $2y$ or $2a$)"},
     };
     for (const auto& bad : cases) {
-        const std::string config = dir.write("web.yml", bad.text);
+        const std::string config = dir.path("web.yml");
+        dir.writeFile("web.yml", bad.text);
         ChildProcess exporter(Exporter, {"--web.listen-address", "127.0.0.1:0", "--web.config.file", config});
         EXPECT_EQ(exporter.wait(), 2) << bad.text;
         EXPECT_EQ(exporter.out(), "");
         EXPECT_EQ(exporter.err().rfind("korvane-exporter: " + config + bad.message, 0), 0u) << exporter.err();
     }
-    ChildProcess absent(Exporter, {"--web.config.file", dir.file("absent.yml")});
+    ChildProcess absent(Exporter, {"--web.config.file", dir.path("absent.yml")});
     EXPECT_EQ(absent.wait(), 2);
     EXPECT_EQ(absent.err(),
-        "korvane-exporter: cannot read the web configuration file " + dir.file("absent.yml") + "\n");
+        "korvane-exporter: cannot read the web configuration file " + dir.path("absent.yml") + "\n");
 }
 
 TEST(ExporterTls, PromtoolAndTheExporterAcceptTheShippedExample)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("korvane-exporter", "ca", "serverAuth"))
         << certificates.output();
     std::string output;
-    ASSERT_EQ(run("cp " + SourceDir + "/web-config.yml " + dir.path(), output), 0) << output;
-    const std::string config = dir.file("web-config.yml");
-    EXPECT_EQ(run("promtool check web-config " + config, output), 0) << output;
+    ASSERT_EQ(runCommand("cp " + SourceDir + "/web-config.yml " + dir.path(), output), 0) << output;
+    const std::string config = dir.path("web-config.yml");
+    EXPECT_EQ(runCommand("promtool check web-config " + config, output), 0) << output;
     EXPECT_EQ(output, config + " SUCCESS\n");
 
     WatchedFarm farm(config);
     ASSERT_GT(farm.port(), 0) << farm.err();
     const CurlResult right
-        = curl(dir, "--cacert " + dir.file("ca.crt") + " -u prometheus:change-me " + farm.url("https"));
+        = curl(dir, "--cacert " + dir.path("ca.crt") + " -u prometheus:change-me " + farm.url("https"));
     EXPECT_EQ(right.status, "200");
     EXPECT_NE(right.body.find("\nkorvane_up 1\n"), std::string::npos);
 
     // The same checker refuses a file with a wrong key, so its SUCCESS means something.
-    const std::string wrong = dir.write(
-        "wrong.yml", "tls_server_config:\n  cert_file: korvane-exporter.crt\n  key_file: ca.key\n");
-    EXPECT_NE(run("promtool check web-config " + wrong, output), 0);
+    const std::string wrong = dir.path("wrong.yml");
+    dir.writeFile("wrong.yml", "tls_server_config:\n  cert_file: korvane-exporter.crt\n  key_file: ca.key\n");
+    EXPECT_NE(runCommand("promtool check web-config " + wrong, output), 0);
 }
 
 TEST(ExporterTls, PrometheusScrapesThroughTlsClientCertificateAndBasicAuth)
 {
-    TempDir dir;
+    TempDirectory dir;
     Certificates certificates(dir);
     ASSERT_TRUE(certificates.makeCa("ca") && certificates.makeSigned("server", "ca", "serverAuth")
         && certificates.makeCa("clients") && certificates.makeSigned("prometheus", "clients", "clientAuth"))
         << certificates.output();
-    const std::string config = dir.write("web.yml",
+    const std::string config = dir.path("web.yml");
+    dir.writeFile("web.yml",
         "tls_server_config:\n  cert_file: server.crt\n  key_file: server.key\n"
         "  client_auth_type: RequireAndVerifyClientCert\n  client_ca_file: clients.crt\n"
         "basic_auth_users:\n  prometheus: "
@@ -328,34 +317,23 @@ TEST(ExporterTls, PrometheusScrapesThroughTlsClientCertificateAndBasicAuth)
     WatchedFarm farm(config);
     ASSERT_GT(farm.port(), 0) << farm.err();
 
-    const std::string prometheusConfig = dir.write("prometheus.yml",
-        "global:\n  scrape_interval: 1s\n  scrape_timeout: 1s\n"
-        "scrape_configs:\n  - job_name: korvane\n    scheme: https\n"
+    PrometheusServer prometheus(dir,
+        "  - job_name: korvane\n    scheme: https\n"
         "    tls_config:\n      ca_file: "
-            + dir.file("ca.crt") + "\n      cert_file: " + dir.file("prometheus.crt")
-            + "\n      key_file: " + dir.file("prometheus.key")
+            + dir.path("ca.crt") + "\n      cert_file: " + dir.path("prometheus.crt")
+            + "\n      key_file: " + dir.path("prometheus.key")
             + "\n"
               "    basic_auth:\n      username: prometheus\n      password: secret\n"
               "    static_configs:\n      - targets: ['127.0.0.1:"
             + std::to_string(farm.port()) + "']\n");
-    const int prometheusPort = freeLoopbackPort();
-    ChildProcess prometheus("/usr/bin/prometheus",
-        {"--config.file=" + prometheusConfig, "--storage.tsdb.path=" + dir.file("data"),
-            "--web.listen-address=127.0.0.1:" + std::to_string(prometheusPort), "--log.level=warn"});
 
-    std::string up;
     std::string exporterUp;
     for (int attempt = 0; attempt < 300 && exporterUp.empty(); ++attempt) {
         std::this_thread::sleep_for(200ms);
-        httplib::Client client("127.0.0.1", prometheusPort);
-        const httplib::Result result
-            = client.Get("/api/v1/query", httplib::Params {{"query", "korvane_up"}}, {});
-        Json::Value reply;
-        if (result && result->status == 200 && Json::Reader().parse(result->body, reply)
-            && reply["data"]["result"].size() == 1)
-            exporterUp = reply["data"]["result"][0]["value"][1].asString();
+        const Json::Value result = prometheus.query("korvane_up");
+        if (result.size() == 1)
+            exporterUp = result[0]["value"][1].asString();
     }
     EXPECT_EQ(exporterUp, "1") << prometheus.err();
-    prometheus.signal(SIGTERM);
-    EXPECT_EQ(prometheus.wait(), 0);
+    EXPECT_EQ(prometheus.stop(), 0);
 }

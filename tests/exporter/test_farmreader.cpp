@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "consolecapture.h"
-#include "exportertestsupport.h"
 #include "farmreader.h"
+#include "loopback.h"
+#include "runningsim.h"
 #include "scriptedserver.h"
 
 using namespace std::chrono_literals;
@@ -162,7 +163,7 @@ TEST(FarmReader, TheServerComingBackIsReadAfterTheWait)
     reader.read(farm, std::chrono::steady_clock::now() + budget, start);
     EXPECT_FALSE(farm.up);
 
-    SimOnPort sim(port);
+    RunningSim sim(FarmConfig(), RunningSim::frozen(), port);
     ASSERT_TRUE(sim.listening());
     reader.read(farm, std::chrono::steady_clock::now() + budget, start + 999ms);
     EXPECT_FALSE(farm.up);

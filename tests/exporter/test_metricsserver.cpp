@@ -11,8 +11,9 @@
 #include "buildinfo.h"
 #include "consolecapture.h"
 #include "exporter.h"
-#include "exportertestsupport.h"
+#include "loopback.h"
 #include "metricsserver.h"
+#include "runningsim.h"
 #include "scriptedserver.h"
 
 using namespace std::chrono_literals;
@@ -145,7 +146,7 @@ private:
 
 TEST(MetricsServer, MetricsInTheTextFormat)
 {
-    SimOnPort sim;
+    RunningSim sim;
     Served served(sim.address());
     const httplib::Result result = served.get("/metrics");
     ASSERT_TRUE(result);
@@ -165,7 +166,7 @@ TEST(MetricsServer, MetricsInTheTextFormat)
 
 TEST(MetricsServer, IndexPageAndNotFound)
 {
-    SimOnPort sim;
+    RunningSim sim;
     Served served(sim.address());
     const httplib::Result index = served.get("/");
     ASSERT_TRUE(index);
@@ -189,7 +190,7 @@ TEST(MetricsServer, IndexPageAndNotFound)
 
 TEST(MetricsServer, GzipWhenTheScraperAcceptsIt)
 {
-    SimOnPort sim;
+    RunningSim sim;
     Served served(sim.address(), 60s);
     const std::string plain = served.metrics();
     for (const char* accepted : {"gzip", "deflate, gzip", "gzip;q=1.0, identity;q=0.5, *;q=0"}) {
@@ -210,7 +211,7 @@ TEST(MetricsServer, GzipWhenTheScraperAcceptsIt)
 
 TEST(MetricsServer, ScrapesWithinOneSecondReuseTheReading)
 {
-    SimOnPort sim;
+    RunningSim sim;
     Served served(sim.address());
     const std::string first = served.metrics();
     const std::string second = served.metrics();
@@ -226,7 +227,7 @@ TEST(MetricsServer, TwentyConcurrentScrapesShareOneReading)
     // Each reply held back, so that all twenty arrive while the reading is under way.
     FaultSwitches slow;
     slow.delayMs = 300;
-    SimOnPort sim(0, FarmConfig(), 0, slow);
+    RunningSim sim(FarmConfig(), RunningSim::withFaults(slow));
     // The page stays fresh long enough for a scraper that a busy machine
     // starts late: what counts here is that no reading runs twice.
     Served served(sim.address(), 10000ms);
@@ -271,7 +272,7 @@ TEST(MetricsServer, ServerDownGivesUpZeroAndComesBack)
     EXPECT_EQ(withoutDuration(down->body), DownBody);
     EXPECT_EQ(served.log(), "korvane-exporter: cannot connect to " + address + "; next attempt in 1 s\n");
 
-    SimOnPort sim(port);
+    RunningSim sim(FarmConfig(), RunningSim::frozen(), port);
     ASSERT_TRUE(sim.listening());
     std::string body;
     for (int attempt = 0; attempt < 40 && body.find("korvane_up 1\n") == std::string::npos; ++attempt) {
@@ -285,7 +286,7 @@ TEST(MetricsServer, ServerDownGivesUpZeroAndComesBack)
 
 TEST(MetricsServer, AProjectPathWithQuoteBackslashAndLineFeed)
 {
-    SimOnPort sim;
+    RunningSim sim;
     const std::string path = "/srv/a \"quoted\" name\\sub\\\nsecond line/Brücke-Süd.kproj";
     std::uint32_t id = 0;
     {
@@ -371,7 +372,7 @@ MetricsServer::Settings httpSettings(const std::string& path, int maxRequests)
 
 TEST(MetricsServer, TelemetryPathOfTheOperatorsChoice)
 {
-    SimOnPort sim;
+    RunningSim sim;
     Served served(sim.address(), OneSecond, 5, httpSettings("/farm/metrics", 40));
     const httplib::Result metrics = served.get("/farm/metrics");
     ASSERT_TRUE(metrics);
@@ -422,7 +423,7 @@ TEST(MetricsServer, ScrapesBeyondMaxRequestsGet503AndTheIndexNeverWaits)
 
 TEST(MetricsServer, BasicAuthentication)
 {
-    SimOnPort sim;
+    RunningSim sim;
     MetricsServer::Settings http;
     // "secret", bcrypt with cost 4, as $2b$ and as $2y$
     http.web.users["prometheus"] = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
@@ -467,7 +468,7 @@ TEST(MetricsServer, BasicAuthentication)
 
 TEST(MetricsServer, SeveralAddresses)
 {
-    SimOnPort sim;
+    RunningSim sim;
     std::ostringstream log;
     ConsoleCapture console;
     Exporter::Settings settings;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tempdir.h"
+#include "tempdirectory.h"
 #include "webconfig.h"
 
 // The web configuration file: what is read, and the key and line of every
@@ -120,15 +120,15 @@ TEST(WebConfig, RefusedValuesNameTheKeyAndTheLine)
 
 TEST(WebConfig, AFileThatCannotBeRead)
 {
-    TempDir dir;
+    TempDirectory dir;
     WebConfig config;
     std::string error;
-    EXPECT_FALSE(readWebConfig(dir.file("absent.yml"), config, error));
-    EXPECT_EQ(error, "cannot read the web configuration file " + dir.file("absent.yml"));
+    EXPECT_FALSE(readWebConfig(dir.path("absent.yml"), config, error));
+    EXPECT_EQ(error, "cannot read the web configuration file " + dir.path("absent.yml"));
     // Relative names are taken from the file's own folder.
-    const std::string file
-        = dir.write("web.yml", "tls_server_config:\n  cert_file: a.crt\n  key_file: k/a.key\n");
+    const std::string file = dir.path("web.yml");
+    dir.writeFile("web.yml", "tls_server_config:\n  cert_file: a.crt\n  key_file: k/a.key\n");
     ASSERT_TRUE(readWebConfig(file, config, error)) << error;
-    EXPECT_EQ(config.certFile, dir.file("a.crt"));
-    EXPECT_EQ(config.keyFile, dir.file("k/a.key"));
+    EXPECT_EQ(config.certFile, dir.path("a.crt"));
+    EXPECT_EQ(config.keyFile, dir.path("k/a.key"));
 }

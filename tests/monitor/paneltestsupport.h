@@ -11,12 +11,12 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTest>
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
 
 #include "monitor.h"
-#include "waituntil.h"
 
 // Widgets of a panel, found by their object names as a user's tools would.
 struct PanelWidgets
@@ -36,6 +36,16 @@ struct PanelWidgets
     QTreeWidget* batches;
     QTreeWidget* nodes;
 };
+
+// The worker's queue as "type id priority", oldest first.
+inline std::vector<std::string> queued(const Monitor& panel)
+{
+    std::vector<std::string> texts;
+    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
+        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
+            + std::to_string(command.priority));
+    return texts;
+}
 
 // Answers every warning box the panel opens, remembering title and text.
 class MessageBoxCatcher final : public QObject
@@ -113,7 +123,8 @@ inline MenuVisit chooseFromMenu(const std::function<void()>& open, const QString
     // give a menu that would open time to show itself
     QTimer::singleShot(300, &guard, &QTimer::stop);
     open();
-    waitUntil([&] { return !guard.isActive(); }, 2000);
+    // the single shot above stops the guard after 300 ms at the latest
+    [[maybe_unused]] const bool ended = QTest::qWaitFor([&] { return !guard.isActive(); }, 2000);
     return visit;
 }
 

@@ -53,15 +53,6 @@ MenuVisit pressShiftF10(QTreeWidget* tree, const QString& entry)
         entry.isEmpty() ? QStringList() : QStringList {entry});
 }
 
-std::vector<std::string> queued(const Monitor& panel)
-{
-    std::vector<std::string> texts;
-    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
-        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
-            + std::to_string(command.priority));
-    return texts;
-}
-
 class Accessibility : public ::testing::Test
 {
 protected:

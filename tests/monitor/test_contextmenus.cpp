@@ -2,6 +2,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QScopeGuard>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -41,16 +42,6 @@ std::vector<std::string> commandLines(const std::string& received)
     return lines;
 }
 
-// The worker's queue as "type id priority", oldest first.
-std::vector<std::string> queued(const Monitor& panel)
-{
-    std::vector<std::string> texts;
-    for (const MonitorCommand& command : panel.connectionWorker().queuedCommands())
-        texts.push_back(std::to_string(command.type) + " " + std::to_string(command.id) + " "
-            + std::to_string(command.priority));
-    return texts;
-}
-
 std::size_t occurrences(const std::string& text, const std::string& what)
 {
     std::size_t n = 0;
@@ -70,8 +61,9 @@ protected:
         server.start();
         panel.show();
         panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
-        ASSERT_TRUE(waitUntil(
-            [&] { return ui.batches->topLevelItemCount() == 2 && ui.nodes->topLevelItemCount() == 2; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return ui.batches->topLevelItemCount() == 2 && ui.nodes->topLevelItemCount() == 2; },
+            10000));
     }
     void TearDown() override
     {
@@ -138,7 +130,8 @@ TEST_F(ContextMenus, EveryEntrySendsItsRequestsAtTheNextTurn)
         R"("method":"setNodePriority","params":{"node_id":4,"priority":-1}})",
         R"("method":"setNodePriority","params":{"node_id":4,"priority":-2}})",
     };
-    ASSERT_TRUE(waitUntil([&] { return commandLines(server.received()).size() >= expected.size(); }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return commandLines(server.received()).size() >= expected.size(); }, 10000));
     EXPECT_EQ(commandLines(server.received()), expected);
 }
 
@@ -163,7 +156,7 @@ TEST_F(ContextMenus, RightClickBelowTheLastRowOpensNothingAndKeepsTheSelection)
     EXPECT_FALSE(below.opened);
     // the next command still goes to the batch chosen before
     panel.onContextAbortBatch();
-    ASSERT_TRUE(waitUntil([&] { return commandLines(server.received()).size() >= 2; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return commandLines(server.received()).size() >= 2; }, 10000));
     EXPECT_EQ(commandLines(server.received()),
         (std::vector<std::string> {R"("method":"pauseBatch","params":{"batch_id":8}})",
             R"("method":"abortBatch","params":{"batch_id":8}})"}));
@@ -196,7 +189,7 @@ TEST_F(ContextMenus, DetailsFollowTheChosenBatchOnlyWhileOpen)
     });
     watcher.start(10);
     chooseFromMenu(ui.batches, 0, {"Details..."});
-    ASSERT_TRUE(waitUntil([&] { return !watcher.isActive(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !watcher.isActive(); }, 10000));
 
     EXPECT_EQ(path, QStringLiteral("/projects/seven.kproj"));
     EXPECT_EQ(rows, 2);
@@ -208,10 +201,12 @@ TEST_F(ContextMenus, DetailsFollowTheChosenBatchOnlyWhileOpen)
     // closed: the worker follows no batch any more
     const std::size_t polled = occurrences(server.received(), "getBatchStatus");
     const std::size_t lists = occurrences(server.received(), "listNodes");
-    ASSERT_TRUE(waitUntil([&] { return occurrences(server.received(), "listNodes") >= lists + 2; }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return occurrences(server.received(), "listNodes") >= lists + 2; }, 10000));
     EXPECT_LE(occurrences(server.received(), "getBatchStatus"), polled + 1);
     const std::size_t settled = occurrences(server.received(), "getBatchStatus");
-    ASSERT_TRUE(waitUntil([&] { return occurrences(server.received(), "listNodes") >= lists + 3; }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return occurrences(server.received(), "listNodes") >= lists + 3; }, 10000));
     EXPECT_EQ(occurrences(server.received(), "getBatchStatus"), settled);
 }
 
@@ -237,7 +232,7 @@ TEST(ContextMenusDisconnected, CommandsChosenWhileDisconnectedAreQueuedAndDroppe
     EXPECT_EQ(queued(panel), (std::vector<std::string> {"4 7 0", "8 3 -1"}));
 
     panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
-    ASSERT_TRUE(waitUntil([&] { return occurrences(server.received(), "listNodes") >= 2; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return occurrences(server.received(), "listNodes") >= 2; }, 10000));
     EXPECT_TRUE(commandLines(server.received()).empty());
     EXPECT_TRUE(queued(panel).empty());
     panel.shutdown(5000);

@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 #include <QSettings>
 #include <QSplitter>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -334,13 +335,14 @@ TEST_F(MonitorPanel, ConnectSavesTheServerAndPollsUntilDisconnect)
         EXPECT_EQ(
             QSettings().value(QStringLiteral("main/network_host")).toString(), QStringLiteral("127.0.0.1"));
         EXPECT_EQ(QSettings().value(QStringLiteral("main/network_port")).toInt(), server.port());
-        ASSERT_TRUE(waitUntil(
-            [&] { return ui.batches->topLevelItemCount() == 1 && ui.nodes->topLevelItemCount() == 1; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return ui.batches->topLevelItemCount() == 1 && ui.nodes->topLevelItemCount() == 1; },
+            10000));
         EXPECT_EQ(ui.batches->topLevelItem(0)->text(1), QStringLiteral("a.kproj"));
 
         ui.button->click();
         EXPECT_EQ(ui.button->text(), QStringLiteral("Disconnect")); // until the thread has ended
-        ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
         // the trees keep the last lists
         EXPECT_EQ(ui.batches->topLevelItemCount(), 1);
         EXPECT_EQ(ui.nodes->topLevelItemCount(), 1);
@@ -360,8 +362,8 @@ TEST_F(MonitorPanel, EmptyHostReportsCantConnectAndReturnsToConnect)
     ui.button->click();
     EXPECT_TRUE(QSettings().contains(QStringLiteral("main/network_host")));
     EXPECT_EQ(QSettings().value(QStringLiteral("main/network_port")).toInt(), 5840);
-    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
-    ASSERT_TRUE(waitUntil([&] { return !boxes.boxes.empty(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.boxes.empty(); }, 10000));
     EXPECT_EQ(
         boxes.boxes, std::vector<QString>({QStringLiteral("Korvane Monitor | Can't connect to server")}));
 }
@@ -378,8 +380,8 @@ TEST_F(MonitorPanel, PortUpTo100000IsSavedAndPassedOnUnchanged)
     EXPECT_EQ(ui.port->value(), 100000);
     ui.button->click();
     EXPECT_EQ(QSettings().value(QStringLiteral("main/network_port")).toInt(), 100000);
-    ASSERT_TRUE(
-        waitUntil([&] { return ui.button->text() == QStringLiteral("Connect") && !boxes.boxes.empty(); }));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return ui.button->text() == QStringLiteral("Connect") && !boxes.boxes.empty(); }, 10000));
     // the client was handed the number as typed (the system then wraps it)
     EXPECT_EQ(console.text(), "can't connect to 127.0.0.1:100000\ncan't connect to server\n");
 }
@@ -399,9 +401,9 @@ TEST_F(MonitorPanel, LostConnectionShowsTheBoxReturnsToConnectAndLeavesEmptyList
     const auto stop = qScopeGuard([&] { panel.shutdown(5000); });
     PanelWidgets ui(panel);
     panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
-    ASSERT_TRUE(waitUntil([&] { return ui.batches->topLevelItemCount() == 1; }));
-    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
-    ASSERT_TRUE(waitUntil([&] { return !boxes.boxes.empty(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.batches->topLevelItemCount() == 1; }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.boxes.empty(); }, 10000));
     server.finish();
     EXPECT_EQ(
         boxes.boxes, std::vector<QString>({QStringLiteral("Korvane Monitor | Disconnected from server")}));
@@ -420,19 +422,22 @@ TEST_F(MonitorPanel, ConnectingAgainAfterADisconnectStartsANewConnection)
     const auto stop = qScopeGuard([&] { panel.shutdown(5000); });
     PanelWidgets ui(panel);
     panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
-    ASSERT_TRUE(waitUntil([&] { return server.received().find("listNodes") != std::string::npos; }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return server.received().find("listNodes") != std::string::npos; }, 10000));
     ui.button->click();
-    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
     ui.button->click();
     EXPECT_EQ(ui.button->text(), QStringLiteral("Disconnect"));
-    ASSERT_TRUE(waitUntil([&] {
-        return server.received().find(R"({"id":1,"method":"listNodes"})"
-                                      "\n"
-                                      R"({"id":0,"method":"listBatches"})")
-            != std::string::npos;
-    }));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            return server.received().find(R"({"id":1,"method":"listNodes"})"
+                                          "\n"
+                                          R"({"id":0,"method":"listBatches"})")
+                != std::string::npos;
+        },
+        10000));
     ui.button->click();
-    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
     server.finish();
 }
 
@@ -449,11 +454,12 @@ TEST_F(MonitorPanel, ConnectRightAfterADisconnectWaitsUntilTheLastThreadHasEnded
     ui.host->setText(QStringLiteral("127.0.0.1"));
     ui.port->setValue(server.port());
     ui.button->click();
-    ASSERT_TRUE(waitUntil([&] { return server.received().find("listNodes") != std::string::npos; }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return server.received().find("listNodes") != std::string::npos; }, 10000));
 
     ui.button->click();
     // "Connect" shows once the thread has said it finished, before it has ended
-    ASSERT_TRUE(waitUntil([&] { return ui.button->text() == QStringLiteral("Connect"); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ui.button->text() == QStringLiteral("Connect"); }, 10000));
     ASSERT_FALSE(hold.released()) << "the thread ended before Connect could be pressed";
     const std::size_t polled = occurrences(server.received(), "listNodes");
     ui.button->click();
@@ -463,10 +469,12 @@ TEST_F(MonitorPanel, ConnectRightAfterADisconnectWaitsUntilTheLastThreadHasEnded
 
     // the new connection polls, and the button says "Disconnect" all the while
     bool disconnectShown = true;
-    ASSERT_TRUE(waitUntil([&] {
-        disconnectShown = disconnectShown && ui.button->text() == QStringLiteral("Disconnect");
-        return occurrences(server.received(), "listNodes") >= polled + 2;
-    }));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            disconnectShown = disconnectShown && ui.button->text() == QStringLiteral("Disconnect");
+            return occurrences(server.received(), "listNodes") >= polled + 2;
+        },
+        10000));
     EXPECT_TRUE(disconnectShown);
     EXPECT_NE(server.received().find(R"({"id":1,"method":"listNodes"})"
                                      "\n"
@@ -485,7 +493,7 @@ TEST_F(MonitorPanel, ShutdownEndsAConnectionToAServerThatNeverAnswers)
     MessageBoxCatcher boxes;
     Monitor panel(nullptr);
     panel.connectTo(QStringLiteral("127.0.0.1"), server.port());
-    ASSERT_TRUE(waitUntil([&] { return !server.received().empty(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !server.received().empty(); }, 10000));
     QElapsedTimer clock;
     clock.start();
     EXPECT_TRUE(panel.shutdown(1500));

@@ -1,6 +1,7 @@
 #include <QDateTime>
 #include <QListWidget>
 #include <QScopeGuard>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -41,10 +42,12 @@ protected:
         ASSERT_TRUE(sim.listening());
         panel.show();
         panel.connectTo(QStringLiteral("127.0.0.1"), sim.port());
-        ASSERT_TRUE(waitUntil(
-            [&] { return ui.batches->topLevelItemCount() == 20 && ui.nodes->topLevelItemCount() == 8; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return ui.batches->topLevelItemCount() == 20 && ui.nodes->topLevelItemCount() == 8; },
+            10000));
         // the farm hands out work at its first ticks
-        ASSERT_TRUE(waitUntil([&] { return rowWithStatus(ui.batches, QStringLiteral("Working")) >= 0; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return rowWithStatus(ui.batches, QStringLiteral("Working")) >= 0; }, 10000));
     }
     void TearDown() override { panel.shutdown(5000); }
 
@@ -88,14 +91,14 @@ TEST_F(MonitorOnSimulator, PausingAWorkingBatchShowsPausedAtTheNextPoll)
     ASSERT_GE(row, 0);
     const std::uint32_t id = ui.batches->topLevelItem(row)->data(0, Qt::UserRole).toUInt();
     chooseFromMenu(ui.batches, row, {"Pause"});
-    ASSERT_TRUE(waitUntil(
+    ASSERT_TRUE(QTest::qWaitFor(
         [&] {
             const int now = rowOfBatch(ui.batches, id);
             return now >= 0 && ui.batches->topLevelItem(now)->text(3) == QStringLiteral("Paused");
         },
         5000));
     chooseFromMenu(ui.batches, rowOfBatch(ui.batches, id), {"Set Priority", "Lowest"});
-    ASSERT_TRUE(waitUntil(
+    ASSERT_TRUE(QTest::qWaitFor(
         [&] {
             const int now = rowOfBatch(ui.batches, id);
             return now >= 0 && ui.batches->topLevelItem(now)->text(4) == QStringLiteral("Lowest");
@@ -142,7 +145,7 @@ TEST_F(MonitorOnSimulator, DetailsFillFromTheFollowedBatchAndRefreshWhileTheTree
             dialog->reject();
     });
     chooseFromMenu(ui.batches, row, {"Details..."});
-    ASSERT_TRUE(waitUntil([&] { return !watcher.isActive(); }, 20000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !watcher.isActive(); }, 20000));
     EXPECT_TRUE(path.endsWith(QLatin1Char('/') + project)) << path.toStdString();
     EXPECT_GE(footers.size(), 3) << "the dialog refreshed " << footers.size() << " times";
     EXPECT_EQ(treeUpdates, 1);

@@ -1,5 +1,6 @@
 #include <QElapsedTimer>
 #include <QMetaType>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -37,12 +38,14 @@ protected:
     // Waits until the worker has polled the node list this many times.
     bool turnsDone(int turns)
     {
-        return waitUntil([&] {
-            int polls = 0;
-            for (const std::string& event : recorder().events)
-                polls += event.rfind("nodes:", 0) == 0;
-            return polls >= turns;
-        });
+        return QTest::qWaitFor(
+            [&] {
+                int polls = 0;
+                for (const std::string& event : recorder().events)
+                    polls += event.rfind("nodes:", 0) == 0;
+                return polls >= turns;
+            },
+            10000);
     }
 
     // Stops the worker as the panel's Disconnect does and waits for the end.
@@ -118,7 +121,7 @@ TEST_F(WorkerOnServer, FollowedBatchIsPolledAfterTheLists)
         .waitForClose();
     worker().setStatusBatch(4294967294u);
     start();
-    ASSERT_TRUE(waitUntil([&] { return recorder().count("status:/p/followed.kproj") == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder().count("status:/p/followed.kproj") == 1; }, 10000));
     worker().setStatusBatch(ControlClient::NoId);
     ASSERT_TRUE(stop());
     EXPECT_EQ(server.received(),
@@ -252,7 +255,7 @@ TEST_F(WorkerOnServer, ServerClosingDuringTheBatchListEndsTheRunAtTheNextTurn)
     start();
     ASSERT_TRUE(harness.waitForEnd());
     server.finish();
-    ASSERT_TRUE(waitUntil([&] { return recorder().count("finished") == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder().count("finished") == 1; }, 10000));
     EXPECT_EQ(recorder().events,
         (std::vector<std::string> {"batches:0", "nodes:0", "error:Disconnected from server", "finished"}));
     EXPECT_EQ(console.text(),
@@ -266,7 +269,7 @@ TEST(MonitorWorker, WrongHostNameEndsAtOnceWithCantConnect)
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(waitUntil([&] { return harness.recorder.count("finished") == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return harness.recorder.count("finished") == 1; }, 10000));
     EXPECT_EQ(
         harness.recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(console.text(), "can't connect to server\n");
@@ -284,7 +287,7 @@ TEST(MonitorWorker, RefusedConnectionEndsWithCantConnect)
     ConsoleCapture console;
     harness.start();
     ASSERT_TRUE(harness.waitForEnd());
-    ASSERT_TRUE(waitUntil([&] { return harness.recorder.count("finished") == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return harness.recorder.count("finished") == 1; }, 10000));
     EXPECT_EQ(
         harness.recorder.events, (std::vector<std::string> {"error:Can't connect to server", "finished"}));
     EXPECT_EQ(
@@ -295,14 +298,14 @@ TEST_F(WorkerOnServer, AbortEndsARunStuckOnAServerThatNeverAnswers)
 {
     server.acceptConnection().waitForClose();
     start();
-    ASSERT_TRUE(waitUntil([&] { return server.received().size() > 0; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.received().size() > 0; }, 10000));
     QElapsedTimer clock;
     clock.start();
     worker().abort();
     ASSERT_TRUE(harness.waitForEnd(2000));
     server.finish();
     EXPECT_LT(clock.elapsed(), 2000);
-    ASSERT_TRUE(waitUntil([&] { return recorder().count("finished") == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return recorder().count("finished") == 1; }, 10000));
     EXPECT_EQ(recorder().count("error:Disconnected from server"), 0);
 }
 
@@ -320,14 +323,15 @@ TEST_F(WorkerOnServer, EnqueueingWaitsWhileTheTurnsCommandsRun)
     start();
     ASSERT_TRUE(turnsDone(1));
     worker().enqueueCommand(MonitorWorker::PauseNode, 5, 0);
-    ASSERT_TRUE(waitUntil([&] { return server.stepsDone() >= 6; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.stepsDone() >= 6; }, 10000));
     ASSERT_LT(server.stepsDone(), 7u) << "the server answered before the test could ask";
 
     // the worker holds its lock until the command's answer is in
     worker().enqueueCommand(MonitorWorker::ResumeNode, 6, 0);
     EXPECT_GE(server.stepsDone(), 7u);
 
-    ASSERT_TRUE(waitUntil([&] { return server.received().find("resumeNode") != std::string::npos; }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return server.received().find("resumeNode") != std::string::npos; }, 10000));
     ASSERT_TRUE(stop());
     const std::string expected
         = lines({R"({"id":0,"method":"listBatches"})", R"({"id":1,"method":"listNodes"})",

@@ -11,7 +11,6 @@
 
 #include "monitorworker.h"
 #include "threadhandover.h"
-#include "waituntil.h"
 
 // Records what a worker signals, received on the test's own thread.
 class WorkerRecorder final : public QObject

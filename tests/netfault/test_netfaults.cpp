@@ -12,6 +12,8 @@
 
 #include "childprocess.h"
 #include "faultylink.h"
+#include "simprocess.h"
+#include "testpaths.h"
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
@@ -77,13 +79,13 @@ protected:
     std::string server() const { return m_link.serverAddress() + ":5840"; }
 
     // korvane-sim inside the namespace, listening on the far end.
-    std::unique_ptr<ChildProcess> startSim(std::vector<std::string> extra = {})
+    std::unique_ptr<SimProcess> startSim(std::vector<std::string> extra = {})
     {
-        std::vector<std::string> args = {"netns", "exec", m_link.namespaceName(), KORVANE_SIM_PROGRAM,
-            "--listen", server(), "--seed", "1"};
-        args.insert(args.end(), extra.begin(), extra.end());
-        auto sim = std::make_unique<ChildProcess>("/usr/sbin/ip", args);
-        EXPECT_EQ(sim->readLine().rfind("listening on ", 0), 0u);
+        std::vector<std::string> options = {"--listen", server(), "--seed", "1"};
+        options.insert(options.end(), extra.begin(), extra.end());
+        auto sim = std::make_unique<SimProcess>(
+            options, std::vector<std::string> {"/usr/sbin/ip", "netns", "exec", m_link.namespaceName()});
+        EXPECT_EQ(sim->firstLine().rfind("listening on ", 0), 0u);
         return sim;
     }
 
@@ -271,8 +273,8 @@ TEST_F(NetworkFaults, AKilledServerIsDownAtOnceAndReadAgainAfterItsRestart)
     auto sim = startSim();
     auto exporter = startExporter(m_exporterPort);
     ASSERT_TRUE(scrape(m_exporterPort).up());
-    sim->signal(SIGKILL);
-    sim->wait();
+    sim->process().signal(SIGKILL);
+    sim->process().wait();
     nextReading();
     const Scrape gone = scrape(m_exporterPort);
     EXPECT_TRUE(gone.down());

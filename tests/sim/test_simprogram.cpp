@@ -1,87 +1,22 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
-#include <cstdio>
 #include <fstream>
+#include <iostream>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "childprocess.h"
 #include "controlclient.h"
-#include "runningsim.h"
+#include "loopback.h"
+#include "simprocess.h"
+#include "testpaths.h"
 
 // korvane-sim as a process: the first line names its port, signals end it.
 namespace {
-
-struct Child
-{
-    pid_t pid = -1;
-    FILE* out = nullptr;
-    FILE* err = nullptr;
-};
-
-// With captureErrors the child's standard error comes to Child::err; read it
-// to the end once the child has ended.
-Child start(const std::vector<std::string>& args, bool captureErrors = false)
-{
-    int pipeEnds[2];
-    int errorEnds[2] = {-1, -1};
-    if (::pipe(pipeEnds) != 0 || (captureErrors && ::pipe(errorEnds) != 0))
-        return {};
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::dup2(pipeEnds[1], STDOUT_FILENO);
-        ::close(pipeEnds[0]);
-        ::close(pipeEnds[1]);
-        if (captureErrors) {
-            ::dup2(errorEnds[1], STDERR_FILENO);
-            ::close(errorEnds[0]);
-            ::close(errorEnds[1]);
-        }
-        std::vector<char*> argv;
-        argv.push_back(const_cast<char*>(KORVANE_SIM_PROGRAM));
-        for (const std::string& arg : args)
-            argv.push_back(const_cast<char*>(arg.c_str()));
-        argv.push_back(nullptr);
-        ::execv(KORVANE_SIM_PROGRAM, argv.data());
-        ::_exit(127);
-    }
-    ::close(pipeEnds[1]);
-    if (captureErrors)
-        ::close(errorEnds[1]);
-    return {pid, ::fdopen(pipeEnds[0], "r"), captureErrors ? ::fdopen(errorEnds[0], "r") : nullptr};
-}
-
-std::string readLine(FILE* file)
-{
-    char line[4096];
-    return std::fgets(line, sizeof line, file) ? line : "";
-}
-
-std::string readAll(FILE* file)
-{
-    std::string text;
-    char block[4096];
-    std::size_t count;
-    while ((count = std::fread(block, 1, sizeof block, file)) > 0)
-        text.append(block, count);
-    return text;
-}
-
-int exitCode(pid_t pid)
-{
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-int portOf(const std::string& listeningLine)
-{
-    return std::stoi(listeningLine.substr(listeningLine.rfind(':') + 1));
-}
 
 // A line of /proc/PID/status, such as VmRSS or VmHWM, in KiB.
 long statusKiB(pid_t pid, const std::string& key)
@@ -95,35 +30,22 @@ long statusKiB(pid_t pid, const std::string& key)
     return -1;
 }
 
-// A simulator with a frozen farm at port, asked once so that its steady
-// memory is in.
-Child startServing(int& port)
+// Asks a simulator once, so that its steady memory is in.
+void warmUp(int port)
 {
-    Child child = start({"--listen", "127.0.0.1:0", "--tick-ms", "0"});
-    port = portOf(readLine(child.out));
     LineClient warmUp(static_cast<std::uint16_t>(port));
     warmUp.write("{\"id\":1,\"method\":\"listBatches\"}\n{\"id\":2,\"method\":\"listNodes\"}\n");
     warmUp.readLine();
     warmUp.readLine();
-    return child;
-}
-
-void stop(Child& child)
-{
-    ::kill(child.pid, SIGTERM);
-    EXPECT_EQ(exitCode(child.pid), 0);
-    std::fclose(child.out);
-    if (child.err)
-        std::fclose(child.err);
 }
 
 } // namespace
 
 TEST(SimProgram, ReportsItsPortServesAndEndsOnSigterm)
 {
-    Child child = start({"--listen", "127.0.0.1:0", "--nodes", "4", "--batches", "3", "--seed", "9"});
-    ASSERT_GT(child.pid, 0);
-    const std::string first = readLine(child.out);
+    SimProcess sim({"--listen", "127.0.0.1:0", "--nodes", "4", "--batches", "3", "--seed", "9"});
+    ASSERT_GT(sim.process().pid(), 0);
+    const std::string first = sim.firstLine();
     ASSERT_EQ(first.rfind("listening on 127.0.0.1:", 0), 0u) << first;
     const int port = std::stoi(first.substr(std::string("listening on 127.0.0.1:").size()));
     EXPECT_GT(port, 0);
@@ -135,26 +57,22 @@ TEST(SimProgram, ReportsItsPortServesAndEndsOnSigterm)
         ASSERT_TRUE(client.listNodes(nodes));
         EXPECT_EQ(nodes.size(), 4u);
     }
-    ::kill(child.pid, SIGTERM);
-    EXPECT_EQ(exitCode(child.pid), 0);
-    std::fclose(child.out);
+    EXPECT_EQ(sim.stop(), 0);
 }
 
 TEST(SimProgram, EndsCleanlyOnSigint)
 {
-    Child child = start({"--listen", "127.0.0.1:0"});
-    ASSERT_EQ(readLine(child.out).rfind("listening on", 0), 0u);
-    ::kill(child.pid, SIGINT);
-    EXPECT_EQ(exitCode(child.pid), 0);
-    std::fclose(child.out);
+    SimProcess sim({"--listen", "127.0.0.1:0"});
+    ASSERT_EQ(sim.firstLine().rfind("listening on", 0), 0u);
+    sim.process().signal(SIGINT);
+    EXPECT_EQ(sim.process().wait(), 0);
 }
 
 TEST(SimProgram, HelpDocumentsEveryFaultSwitch)
 {
-    Child child = start({"--help"});
-    const std::string help = readAll(child.out);
-    EXPECT_EQ(exitCode(child.pid), 0);
-    std::fclose(child.out);
+    ChildProcess child(KORVANE_SIM_PROGRAM, {"--help"});
+    EXPECT_EQ(child.wait(), 0);
+    const std::string help = child.out();
     for (const char* option : {"--listen", "--seed", "--speed", "--nodes", "--batches", "--close-after",
              "--mute-after", "--byte-writes", "--garbage-every", "--delay", "--trickle", "--big-reply",
              "--object-params", "--max-line", "--max-clients"})
@@ -167,55 +85,46 @@ TEST(SimProgram, BadArgumentsExitWithTwo)
         std::vector<std::vector<std::string>> {{"--frobnicate"}, {"--nodes"}, {"--nodes", "many"},
             {"--listen", "127.0.0.1"}, {"--speed", "-1"}, {"--max-line", "0"}, {"--max-clients", "0"},
             {"--max-clients", "-3"}, {"--object-params", "1.5"}, {"--object-params", "-0.1"}}) {
-        Child child = start(args);
-        EXPECT_EQ(readAll(child.out), "");
-        EXPECT_EQ(exitCode(child.pid), 2) << args[0];
-        std::fclose(child.out);
+        ChildProcess child(KORVANE_SIM_PROGRAM, args);
+        const int code = child.wait();
+        EXPECT_EQ(child.out(), "");
+        EXPECT_EQ(code, 2) << args[0];
     }
 }
 
 TEST(SimProgram, AnAddressInUseExitsWithOne)
 {
-    Child first = start({"--listen", "127.0.0.1:0"});
-    const std::string line = readLine(first.out);
-    const std::string port = line.substr(line.rfind(':') + 1, line.size() - line.rfind(':') - 2);
-    Child second = start({"--listen", "127.0.0.1:" + port});
-    EXPECT_EQ(exitCode(second.pid), 1);
-    std::fclose(second.out);
-    ::kill(first.pid, SIGTERM);
-    EXPECT_EQ(exitCode(first.pid), 0);
-    std::fclose(first.out);
+    SimProcess first({"--listen", "127.0.0.1:0"});
+    ChildProcess second(KORVANE_SIM_PROGRAM, {"--listen", "127.0.0.1:" + std::to_string(first.port())});
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_EQ(first.stop(), 0);
 }
 
 TEST(SimProgram, ListeningBeyondLoopbackWarnsThatThePortHasNoAuthentication)
 {
-    Child open = start({"--listen", "0.0.0.0:0", "--nodes", "2", "--batches", "1"}, true);
-    const std::string line = readLine(open.out);
+    SimProcess open({"--listen", "0.0.0.0:0", "--nodes", "2", "--batches", "1"});
+    const std::string line = open.firstLine();
     ASSERT_EQ(line.rfind("listening on 0.0.0.0:", 0), 0u) << line;
-    ::kill(open.pid, SIGTERM);
-    EXPECT_EQ(exitCode(open.pid), 0);
-    EXPECT_EQ(readAll(open.err),
-        "korvane-sim: warning: 0.0.0.0:" + std::to_string(portOf(line))
+    EXPECT_EQ(open.stop(), 0);
+    EXPECT_EQ(open.process().err(),
+        "korvane-sim: warning: 0.0.0.0:" + std::to_string(open.port())
             + " can be reached from other machines, and the control port has no authentication: anyone who "
               "reaches it can control the farm\n"
               "korvane-sim: 1 batches, 2 nodes, seed 1, speed 1\nkorvane-sim: stopped\n");
-    std::fclose(open.out);
-    std::fclose(open.err);
 
-    Child local = start({"--listen", "127.0.0.2:0", "--nodes", "2", "--batches", "1"}, true);
-    ASSERT_EQ(readLine(local.out).rfind("listening on 127.0.0.2:", 0), 0u);
-    ::kill(local.pid, SIGTERM);
-    EXPECT_EQ(exitCode(local.pid), 0);
-    EXPECT_EQ(readAll(local.err), "korvane-sim: 1 batches, 2 nodes, seed 1, speed 1\nkorvane-sim: stopped\n");
-    std::fclose(local.out);
-    std::fclose(local.err);
+    SimProcess local({"--listen", "127.0.0.2:0", "--nodes", "2", "--batches", "1"});
+    ASSERT_EQ(local.firstLine().rfind("listening on 127.0.0.2:", 0), 0u);
+    EXPECT_EQ(local.stop(), 0);
+    EXPECT_EQ(
+        local.process().err(), "korvane-sim: 1 batches, 2 nodes, seed 1, speed 1\nkorvane-sim: stopped\n");
 }
 
 TEST(SimProgram, MemoryStaysBoundedWhileAFiftyMegabyteLineArrives)
 {
-    int port = 0;
-    Child child = startServing(port);
-    const long before = statusKiB(child.pid, "VmRSS");
+    SimProcess sim({"--tick-ms", "0"});
+    const int port = sim.port();
+    warmUp(port);
+    const long before = statusKiB(sim.process().pid(), "VmRSS");
 
     LineClient client(static_cast<std::uint16_t>(port));
     std::atomic<bool> sending {true};
@@ -226,14 +135,14 @@ TEST(SimProgram, MemoryStaysBoundedWhileAFiftyMegabyteLineArrives)
     });
     long peak = before;
     while (sending) {
-        peak = std::max(peak, statusKiB(child.pid, "VmRSS"));
+        peak = std::max(peak, statusKiB(sim.process().pid(), "VmRSS"));
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     sender.join();
     const std::string reply = client.readLine();
     const bool closed = client.closedByPeer();
-    const long highWater = statusKiB(child.pid, "VmHWM");
-    stop(child);
+    const long highWater = statusKiB(sim.process().pid(), "VmHWM");
+    EXPECT_EQ(sim.stop(), 0);
 
     EXPECT_EQ(reply,
         "{\"error\":{\"code\":-32600,\"message\":\"Invalid Request: line longer than 1048576 bytes\"},"
@@ -247,9 +156,10 @@ TEST(SimProgram, MemoryStaysBoundedWhileAFiftyMegabyteLineArrives)
 
 TEST(SimProgram, AClientThatNeverReadsCannotMakeTheServerHoldItsRepliesWithoutLimit)
 {
-    int port = 0;
-    Child child = startServing(port);
-    const long before = statusKiB(child.pid, "VmRSS");
+    SimProcess sim({"--tick-ms", "0"});
+    const int port = sim.port();
+    warmUp(port);
+    const long before = statusKiB(sim.process().pid(), "VmRSS");
 
     // some 140 MB of replies asked for with 400 KB of requests
     LineClient flood(static_cast<std::uint16_t>(port));
@@ -264,8 +174,8 @@ TEST(SimProgram, AClientThatNeverReadsCannotMakeTheServerHoldItsRepliesWithoutLi
         ASSERT_TRUE(other.write("{\"id\":7,\"method\":\"pauseNode\",\"params\":{\"node_id\":1}}\n"));
         ASSERT_EQ(other.readLine(), "{\"id\":7,\"result\":true}\n");
     }
-    const long highWater = statusKiB(child.pid, "VmHWM");
-    stop(child);
+    const long highWater = statusKiB(sim.process().pid(), "VmHWM");
+    EXPECT_EQ(sim.stop(), 0);
     std::cout << "korvane-sim resident with a client that never reads: " << before << " KiB before, "
               << highWater << " KiB high-water mark" << std::endl;
     EXPECT_LT(highWater - before, 48 * 1024);

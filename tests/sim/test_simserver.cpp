@@ -8,6 +8,7 @@
 
 #include "consolecapture.h"
 #include "controlclient.h"
+#include "loopback.h"
 #include "runningsim.h"
 
 namespace {

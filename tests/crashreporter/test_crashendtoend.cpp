@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "testcollector.h"
+#include "testpaths.h"
 
 namespace {
 
@@ -65,7 +66,7 @@ TEST(CrashEndToEnd, MonitorStartedThroughPathLeavesReportThatTheReporterSubmits)
 
     QProcess monitor;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("PATH", QFileInfo(KORVANE_MONITOR_PATH).absolutePath() + ":/usr/bin:/bin");
+    environment.insert("PATH", QFileInfo(KORVANE_MONITOR_PROGRAM).absolutePath() + ":/usr/bin:/bin");
     environment.insert("HOME", home.path());
     environment.insert("XDG_CONFIG_HOME", home.path() + "/.config");
     environment.insert("QT_QPA_PLATFORM", "offscreen");

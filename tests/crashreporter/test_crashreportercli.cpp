@@ -9,6 +9,7 @@
 
 #include "reportfiles.h"
 #include "testcollector.h"
+#include "testpaths.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ ReporterRun runReporter(const QStringList& arguments, const QMap<QString, QStrin
     for (auto it = environment.begin(); it != environment.end(); ++it)
         env.insert(it.key(), it.value());
     process.setProcessEnvironment(env);
-    process.start(CRASHREPORTER, arguments);
+    process.start(KORVANE_CRASHREPORTER_PROGRAM, arguments);
     QDeadlineTimer deadline(30000);
     while (process.state() != QProcess::NotRunning && !deadline.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);

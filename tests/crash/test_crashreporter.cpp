@@ -9,8 +9,8 @@
 
 #include "crashreporter.h"
 #include "crashtestsupport.h"
-
-using CrashTest::TemporaryDirectory;
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 namespace {
 
@@ -40,12 +40,6 @@ void appendLog(const std::string& text)
         else
             appendedLog += c;
     }
-}
-
-bool isDirectory(const std::string& path)
-{
-    struct stat info = {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 std::string workingDirectory()
@@ -101,11 +95,11 @@ protected:
     // Puts the stand-in reporter into the application directory.
     void addStandInReporter()
     {
-        std::filesystem::copy_file(STANDIN_REPORTER, m_application.path() + "/crashreporter");
+        std::filesystem::copy_file(KORVANE_STANDIN_REPORTER_PROGRAM, m_application.path() + "/crashreporter");
     }
 
-    TemporaryDirectory m_home;
-    TemporaryDirectory m_application;
+    TempDirectory m_home;
+    TempDirectory m_application;
     CrashReporter m_guard;
     std::string m_savedHome;
     bool m_hadHome = false;
@@ -125,7 +119,7 @@ TEST_F(CrashReporterTest, DataDirectoryIsInsideHomeAndExported)
 
 TEST_F(CrashReporterTest, HomeUnsetGivesTildeDirectoryRelativeToWorkingDirectory)
 {
-    TemporaryDirectory working;
+    TempDirectory working;
     ASSERT_EQ(chdir(working.path().c_str()), 0);
     unsetenv("HOME");
     ASSERT_TRUE(CrashReporter::install());
@@ -146,7 +140,7 @@ TEST_F(CrashReporterTest, VendorAndProductAreLowerCasedButCrashReportsKeepsCapit
 
 TEST_F(CrashReporterTest, HomeItselfIsNotLowerCased)
 {
-    TemporaryDirectory parent;
+    TempDirectory parent;
     const std::string home = parent.path() + "/Home Of Someone";
     setenv("HOME", home.c_str(), 1);
     ASSERT_TRUE(CrashReporter::install());
@@ -173,7 +167,7 @@ TEST_F(CrashReporterTest, PathWithoutSlashIsKeptWhole)
 
 TEST_F(CrashReporterTest, EmptyPathMakesReporterPathStartAtWorkingDirectory)
 {
-    TemporaryDirectory working;
+    TempDirectory working;
     ASSERT_EQ(chdir(working.path().c_str()), 0);
     CrashReporter::setApplicationPath("");
     EXPECT_STREQ(CrashReporter::applicationDirectory(), "");
@@ -292,7 +286,7 @@ TEST(CrashReporterLog, UnescapeDropsABackslashWithAnUnknownCharacter)
 
 TEST(CrashReporterDirectories, CreatesMissingParentsWithMode0700)
 {
-    TemporaryDirectory base;
+    TempDirectory base;
     const std::string path = base.path() + "/one/two//three/four";
     EXPECT_TRUE(CrashReporter::makeDirectories(path.c_str()));
     EXPECT_TRUE(isDirectory(path));
@@ -303,7 +297,7 @@ TEST(CrashReporterDirectories, CreatesMissingParentsWithMode0700)
 
 TEST(CrashReporterDirectories, TrailingSlashAndExistingDirectoryAreFine)
 {
-    TemporaryDirectory base;
+    TempDirectory base;
     const std::string path = base.path() + "/a/b/";
     EXPECT_TRUE(CrashReporter::makeDirectories(path.c_str()));
     EXPECT_TRUE(isDirectory(base.path() + "/a/b"));
@@ -314,7 +308,7 @@ TEST(CrashReporterDirectories, ParentThatCannotBeMadeFails)
 {
     // A dangling link is where a parent should be: mkdir says it exists,
     // yet nothing can be made below it.
-    TemporaryDirectory base;
+    TempDirectory base;
     const std::string link = base.path() + "/link";
     ASSERT_EQ(symlink((base.path() + "/missing/target").c_str(), link.c_str()), 0);
     const std::string path = link + "/x/y";
@@ -323,7 +317,7 @@ TEST(CrashReporterDirectories, ParentThatCannotBeMadeFails)
 
 TEST(CrashReporterDirectories, OtherErrorsThanMissingParentCountAsSuccess)
 {
-    TemporaryDirectory base;
+    TempDirectory base;
     const std::string file = base.path() + "/file";
     CrashTest::runProcess({"/usr/bin/touch", file}, {});
     // EEXIST and ENOTDIR are not ENOENT: nothing more is tried.
@@ -336,18 +330,18 @@ TEST_F(CrashReporterTest, CallbackWritesExtraAndStartsReporter)
 {
     addStandInReporter();
     ASSERT_TRUE(CrashReporter::install());
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     const std::string record = dumps.path() + "/record";
     setenv("KORVANE_TEST_REPORTER_RECORD", record.c_str(), 1);
     EXPECT_TRUE(CrashReporter::onMinidumpWritten(dumps.path().c_str(), "0123-id", nullptr, true));
     unsetenv("KORVANE_TEST_REPORTER_RECORD");
 
-    const std::string extra = CrashTest::readFile(dumps.path() + "/0123-id.extra");
+    const std::string extra = readFile(dumps.path() + "/0123-id.extra");
     const std::string log
         = appendedLog.size() > 16384 ? appendedLog.substr(appendedLog.size() - 16384) : appendedLog;
     EXPECT_EQ(extra, CrashReporter::annotationText() + (log.empty() ? "" : "XLog=" + log + "\n"));
 
-    ASSERT_TRUE(CrashTest::waitForFile(record));
+    ASSERT_TRUE(waitForFile(record));
     const auto seen = CrashTest::readReporterRecord(record);
     ASSERT_EQ(seen.arguments.size(), 2u);
     EXPECT_EQ(seen.arguments[0], m_application.path() + "/crashreporter");
@@ -360,26 +354,26 @@ TEST_F(CrashReporterTest, CallbackPassesOnTheWriteResult)
 {
     addStandInReporter();
     ASSERT_TRUE(CrashReporter::install());
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     setenv("KORVANE_TEST_REPORTER_RECORD", (dumps.path() + "/record").c_str(), 1);
     EXPECT_FALSE(CrashReporter::onMinidumpWritten(dumps.path().c_str(), "id", nullptr, false));
     unsetenv("KORVANE_TEST_REPORTER_RECORD");
-    EXPECT_TRUE(CrashTest::waitForFile(dumps.path() + "/record"));
+    EXPECT_TRUE(waitForFile(dumps.path() + "/record"));
     while (waitpid(-1, nullptr, WNOHANG) > 0) { }
 }
 
 TEST_F(CrashReporterTest, MissingReporterMakesCallbackFailButExtraIsWritten)
 {
     ASSERT_TRUE(CrashReporter::install());
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     EXPECT_FALSE(CrashReporter::onMinidumpWritten(dumps.path().c_str(), "id", nullptr, true));
-    EXPECT_TRUE(CrashTest::fileExists(dumps.path() + "/id.extra"));
+    EXPECT_TRUE(pathExists(dumps.path() + "/id.extra"));
 }
 
 TEST_F(CrashReporterTest, ExtraIsReadableByItsOwnerOnlyWhateverTheUmask)
 {
     ASSERT_TRUE(CrashReporter::install());
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     const mode_t previous = ::umask(0);
     CrashReporter::onMinidumpWritten(dumps.path().c_str(), "mode", nullptr, true);
     ::umask(previous);
@@ -392,13 +386,13 @@ TEST_F(CrashReporterTest, UnopenableExtraIsSkippedAndReporterStillStarts)
 {
     addStandInReporter();
     ASSERT_TRUE(CrashReporter::install());
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     const std::string record = dumps.path() + "/record";
     setenv("KORVANE_TEST_REPORTER_RECORD", record.c_str(), 1);
     const std::string missing = dumps.path() + "/no/such/directory";
     EXPECT_TRUE(CrashReporter::onMinidumpWritten(missing.c_str(), "id", nullptr, true));
     unsetenv("KORVANE_TEST_REPORTER_RECORD");
-    EXPECT_TRUE(CrashTest::waitForFile(record));
+    EXPECT_TRUE(waitForFile(record));
     while (waitpid(-1, nullptr, WNOHANG) > 0) { }
 }
 
@@ -408,9 +402,9 @@ TEST_F(CrashReporterTest, LogIsEscapedAndAppendedAsXLog)
     appendLog(std::string(16384, '.')); // pushes out whatever came before
     appendLog("first\tline\n");
     appendLog("back\\slash\n");
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     CrashReporter::onMinidumpWritten(dumps.path().c_str(), "log", nullptr, true);
-    const std::string extra = CrashTest::readFile(dumps.path() + "/log.extra");
+    const std::string extra = readFile(dumps.path() + "/log.extra");
     const std::string tail = "first\\tline\\nback\\\\slash\\n\n";
     ASSERT_GE(extra.size(), tail.size());
     EXPECT_EQ(extra.substr(extra.size() - tail.size()), tail);
@@ -429,9 +423,9 @@ TEST_F(CrashReporterTest, LogOver16384BytesKeepsTheNewestWrittenOldestFirst)
     ASSERT_TRUE(CrashReporter::install());
     appendLog(std::string(10000, 'a'));
     appendLog(std::string(10000, 'b'));
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     CrashReporter::onMinidumpWritten(dumps.path().c_str(), "ring", nullptr, true);
-    const std::string extra = CrashTest::readFile(dumps.path() + "/ring.extra");
+    const std::string extra = readFile(dumps.path() + "/ring.extra");
     const std::string expected = "XLog=" + std::string(6384, 'a') + std::string(10000, 'b') + "\n";
     ASSERT_GE(extra.size(), expected.size());
     EXPECT_EQ(extra.substr(extra.size() - expected.size()), expected);
@@ -443,9 +437,9 @@ TEST_F(CrashReporterTest, LogThatExactlyFillsTheRingIsWrittenWhole)
     ASSERT_TRUE(CrashReporter::install());
     appendLog(std::string(16000, 'c'));
     appendLog(std::string(384, 'd'));
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     CrashReporter::onMinidumpWritten(dumps.path().c_str(), "full", nullptr, true);
-    const std::string extra = CrashTest::readFile(dumps.path() + "/full.extra");
+    const std::string extra = readFile(dumps.path() + "/full.extra");
     const std::string expected = "XLog=" + std::string(16000, 'c') + std::string(384, 'd') + "\n";
     EXPECT_EQ(extra, CrashReporter::annotationText() + expected);
 }
@@ -456,12 +450,12 @@ TEST_F(CrashReporterTest, EmptyAnnotationTextWritesNoExtraEvenWithALog)
     ASSERT_TRUE(CrashReporter::install());
     appendLog("something\n");
     CrashReporter::clearAnnotations();
-    TemporaryDirectory dumps;
+    TempDirectory dumps;
     const std::string record = dumps.path() + "/record";
     setenv("KORVANE_TEST_REPORTER_RECORD", record.c_str(), 1);
     EXPECT_TRUE(CrashReporter::onMinidumpWritten(dumps.path().c_str(), "bare", nullptr, true));
     unsetenv("KORVANE_TEST_REPORTER_RECORD");
-    EXPECT_FALSE(CrashTest::fileExists(dumps.path() + "/bare.extra"));
-    EXPECT_TRUE(CrashTest::waitForFile(record));
+    EXPECT_FALSE(pathExists(dumps.path() + "/bare.extra"));
+    EXPECT_TRUE(waitForFile(record));
     while (waitpid(-1, nullptr, WNOHANG) > 0) { }
 }

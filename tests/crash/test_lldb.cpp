@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "crashtestsupport.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace CrashTest;
 
@@ -14,11 +16,11 @@ using namespace CrashTest;
 TEST(MinidumpInDebugger, LldbBacktraceNamesTheCrashingFunction)
 {
     ASSERT_EQ(system("command -v lldb >/dev/null"), 0) << "lldb is missing: run scripts/setup.sh";
-    TemporaryDirectory home;
-    TemporaryDirectory application;
-    std::filesystem::copy_file(STANDIN_REPORTER, application.path() + "/crashreporter");
+    TempDirectory home;
+    TempDirectory application;
+    std::filesystem::copy_file(KORVANE_STANDIN_REPORTER_PROGRAM, application.path() + "/crashreporter");
     const std::string record = application.path() + "/record";
-    runProcess({CRASH_HELPER, "install", "segv", application.path() + "/korvane-monitor"},
+    runProcess({KORVANE_CRASH_HELPER_PROGRAM, "install", "segv", application.path() + "/korvane-monitor"},
         {{"HOME", home.path()}, {"KORVANE_TEST_REPORTER_RECORD", record}});
     ASSERT_TRUE(waitForFile(record));
     const ReporterRecord seen = readReporterRecord(record);

@@ -4,70 +4,19 @@
 #include <csignal>
 #include <filesystem>
 #include <iostream>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "crashtestsupport.h"
+#include "simprocess.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace CrashTest;
 
-extern char** environ;
-
 namespace {
-
-// korvane-sim on a free loopback port, for as long as the object lives.
-class Simulator final
-{
-public:
-    Simulator()
-    {
-        int output[2];
-        if (pipe(output) != 0)
-            return;
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&actions, output[0]);
-        char* argv[] = {const_cast<char*>(KORVANE_SIM_PATH), const_cast<char*>("--listen"),
-            const_cast<char*>("127.0.0.1:0"), const_cast<char*>("--seed"), const_cast<char*>("1"), nullptr};
-        if (posix_spawn(&m_pid, argv[0], &actions, nullptr, argv, environ) != 0)
-            m_pid = 0;
-        posix_spawn_file_actions_destroy(&actions);
-        close(output[1]);
-        // The first line is "listening on ADDR:PORT".
-        std::string line;
-        char c;
-        while (read(output[0], &c, 1) == 1 && c != '\n')
-            line += c;
-        m_output = output[0];
-        const std::string prefix = "listening on ";
-        if (line.rfind(prefix, 0) == 0)
-            m_address = line.substr(prefix.size());
-    }
-
-    ~Simulator()
-    {
-        if (m_pid > 0) {
-            kill(m_pid, SIGTERM);
-            waitpid(m_pid, nullptr, 0);
-        }
-        if (m_output >= 0)
-            close(m_output);
-    }
-
-    const std::string& address() const { return m_address; }
-
-private:
-    Simulator(const Simulator&) = delete;
-    Simulator& operator=(const Simulator&) = delete;
-
-    pid_t m_pid = 0;
-    int m_output = -1;
-    std::string m_address;
-};
 
 class MonitorCrash : public ::testing::Test
 {
@@ -82,8 +31,8 @@ protected:
 #endif
         ASSERT_FALSE(m_simulator.address().empty()) << "the simulator did not start";
         // The monitor looks for its reporter beside itself.
-        std::filesystem::copy_file(KORVANE_MONITOR_PATH, m_application.path() + "/korvane-monitor");
-        std::filesystem::copy_file(STANDIN_REPORTER, m_application.path() + "/crashreporter");
+        std::filesystem::copy_file(KORVANE_MONITOR_PROGRAM, m_application.path() + "/korvane-monitor");
+        std::filesystem::copy_file(KORVANE_STANDIN_REPORTER_PROGRAM, m_application.path() + "/crashreporter");
     }
 
     void TearDown() override
@@ -98,12 +47,13 @@ protected:
     // and reads the dump the reporter was started with.
     ProcessedDump crash(const std::string& fault)
     {
-        const ProcessResult result = runProcess(
-            {m_application.path() + "/korvane-monitor", "--connect", m_simulator.address()},
-            {{"HOME", m_home.path()}, {"XDG_CONFIG_HOME", m_home.path() + "/.config"},
-                {"QT_QPA_PLATFORM", "offscreen"}, {"LD_PRELOAD", FAULT_INJECTOR}, {"KORVANE_FAULT", fault},
-                {"KORVANE_FAULT_RECORD", faultRecord()}, {"KORVANE_TEST_REPORTER_RECORD", reporterRecord()}},
-            60000);
+        const ProcessResult result
+            = runProcess({m_application.path() + "/korvane-monitor", "--connect", m_simulator.address()},
+                {{"HOME", m_home.path()}, {"XDG_CONFIG_HOME", m_home.path() + "/.config"},
+                    {"QT_QPA_PLATFORM", "offscreen"}, {"LD_PRELOAD", KORVANE_FAULT_INJECTOR_LIBRARY},
+                    {"KORVANE_FAULT", fault}, {"KORVANE_FAULT_RECORD", faultRecord()},
+                    {"KORVANE_TEST_REPORTER_RECORD", reporterRecord()}},
+                60000);
         m_pid = static_cast<std::uint32_t>(result.pid);
         EXPECT_TRUE(WIFSIGNALED(result.status) && WTERMSIG(result.status) == SIGSEGV)
             << "status " << result.status;
@@ -136,8 +86,8 @@ protected:
         if (seen.arguments.size() != 2)
             return {};
         m_dump = seen.arguments[1];
-        writeSystemSymbols(m_dump, SYSTEM_SYMBOLS_DIR);
-        return processDump(m_dump, {SYMBOLS_DIR, SYSTEM_SYMBOLS_DIR});
+        writeSystemSymbols(m_dump, KORVANE_SYSTEM_SYMBOLS_DIR);
+        return processDump(m_dump, {KORVANE_SYMBOLS_DIR, KORVANE_SYSTEM_SYMBOLS_DIR});
     }
 
     void printTopFrames(const ProcessedDump& dump) const
@@ -157,9 +107,9 @@ protected:
         return nullptr;
     }
 
-    Simulator m_simulator;
-    TemporaryDirectory m_home;
-    TemporaryDirectory m_application;
+    SimProcess m_simulator {{"--seed", "1"}};
+    TempDirectory m_home;
+    TempDirectory m_application;
     std::string m_dump;
     std::uint32_t m_pid = 0;
 };
@@ -213,7 +163,7 @@ TEST_F(MonitorCrash, StackOverflowOnTheWorkerThreadLeavesADumpAndStartsTheReport
 {
     const ProcessedDump dump = crash("worker-overflow");
     ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;
-    EXPECT_TRUE(fileExists(m_dump));
+    EXPECT_TRUE(pathExists(m_dump));
     EXPECT_EQ(dump.crashReason.rfind("SIGSEGV", 0), 0u);
     EXPECT_EQ(dump.crashing().id, faultingThread());
     ASSERT_FALSE(dump.crashing().frames.empty());

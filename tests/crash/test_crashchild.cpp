@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "crashtestsupport.h"
+#include "tempdirectory.h"
+#include "testpaths.h"
 
 using namespace CrashTest;
 
@@ -49,7 +51,8 @@ protected:
     // started, what it recorded.
     ProcessResult crash(const char* mode, const char* kind)
     {
-        return runProcess({CRASH_HELPER, mode, kind, m_application.path() + "/korvane-monitor"},
+        return runProcess(
+            {KORVANE_CRASH_HELPER_PROGRAM, mode, kind, m_application.path() + "/korvane-monitor"},
             {{"HOME", m_home.path()}, {"KORVANE_TEST_REPORTER_RECORD", record()},
                 {"KORVANE_TEST_MEMORY_BYTES", "8589934592"}});
     }
@@ -58,7 +61,7 @@ protected:
 
     void SetUp() override
     {
-        std::filesystem::copy_file(STANDIN_REPORTER, m_application.path() + "/crashreporter");
+        std::filesystem::copy_file(KORVANE_STANDIN_REPORTER_PROGRAM, m_application.path() + "/crashreporter");
     }
 
     // Reads the record and remembers the dump and .extra for removal.
@@ -74,8 +77,8 @@ protected:
         return seen;
     }
 
-    TemporaryDirectory m_home;
-    TemporaryDirectory m_application;
+    TempDirectory m_home;
+    TempDirectory m_application;
     std::vector<std::string> m_created;
 };
 
@@ -86,8 +89,8 @@ const std::regex dumpPathPattern(
 // libraries it unwinds through.
 ProcessedDump process(const std::string& dumpPath)
 {
-    writeSystemSymbols(dumpPath, SYSTEM_SYMBOLS_DIR);
-    return processDump(dumpPath, {SYMBOLS_DIR, SYSTEM_SYMBOLS_DIR});
+    writeSystemSymbols(dumpPath, KORVANE_SYSTEM_SYMBOLS_DIR);
+    return processDump(dumpPath, {KORVANE_SYMBOLS_DIR, KORVANE_SYSTEM_SYMBOLS_DIR});
 }
 
 } // namespace
@@ -96,7 +99,7 @@ TEST_P(CrashInChild, WritesDumpAndExtraStartsReporterAndEndsAsWithoutHandler)
 {
     const CrashCase crashCase = GetParam();
     [[maybe_unused]] const ProcessResult baseline = crash("noinstall", crashCase.kind);
-    ASSERT_FALSE(fileExists(record())) << "no handler, no reporter";
+    ASSERT_FALSE(pathExists(record())) << "no handler, no reporter";
     const ProcessResult result = crash("install", crashCase.kind);
     // After the dump the signal ends the process as it would have without
     // the handler. A sanitizer ends it its own way when nothing else
@@ -163,7 +166,7 @@ TEST_P(CrashInChild, WritesDumpAndExtraStartsReporterAndEndsAsWithoutHandler)
         EXPECT_EQ(dump.crashAddress, "0x10");
     }
 
-    const std::string helperPath = std::filesystem::canonical(CRASH_HELPER).string();
+    const std::string helperPath = std::filesystem::canonical(KORVANE_CRASH_HELPER_PROGRAM).string();
     EXPECT_NE(std::find(dump.modules.begin(), dump.modules.end(), helperPath), dump.modules.end());
 }
 
@@ -183,8 +186,8 @@ TEST_F(CrashInChild, EmptyAnnotationTextStartsReporterButWritesNoExtra)
     ASSERT_EQ(seen.arguments.size(), 2u);
     std::smatch match;
     ASSERT_TRUE(std::regex_match(seen.arguments[1], match, dumpPathPattern));
-    EXPECT_TRUE(fileExists("/tmp/" + std::string(match[1]) + ".dmp"));
-    EXPECT_FALSE(fileExists("/tmp/" + std::string(match[1]) + ".extra"));
+    EXPECT_TRUE(pathExists("/tmp/" + std::string(match[1]) + ".dmp"));
+    EXPECT_FALSE(pathExists("/tmp/" + std::string(match[1]) + ".extra"));
 }
 
 TEST_F(CrashInChild, DumpsGoToTmpNotToTheDataDirectory)
@@ -193,7 +196,7 @@ TEST_F(CrashInChild, DumpsGoToTmpNotToTheDataDirectory)
     const ReporterRecord seen = reporterRecord();
     ASSERT_EQ(seen.arguments.size(), 2u);
     EXPECT_EQ(seen.arguments[1].rfind("/tmp//", 0), 0u);
-    EXPECT_TRUE(fileExists(seen.arguments[1]));
+    EXPECT_TRUE(pathExists(seen.arguments[1]));
     std::size_t entries = 0;
     for ([[maybe_unused]] const auto& entry :
         std::filesystem::directory_iterator(m_home.path() + "/.korvane/monitor/Crash Reports"))
@@ -227,7 +230,7 @@ TEST_F(CrashInChild, StackOverflowOnAThreadWithItsOwnSignalStackIsReported)
     EXPECT_EQ(describe(result.status), "signal " + std::to_string(SIGSEGV));
     const ReporterRecord seen = reporterRecord();
     ASSERT_EQ(seen.arguments.size(), 2u);
-    ASSERT_TRUE(fileExists(seen.arguments[1]));
+    ASSERT_TRUE(pathExists(seen.arguments[1]));
     const ProcessedDump dump = process(seen.arguments[1]);
     EXPECT_EQ(dump.crashReason.rfind("SIGSEGV", 0), 0u) << dump.crashReason;
     ASSERT_GE(dump.crashingThread, 0) << dump.stackwalk;

@@ -35,3 +35,12 @@ private:
     std::streambuf* m_narrow;
     std::wstreambuf* m_wide;
 };
+
+// The lines written to a log stream so far, each with its line feed; the
+// stream is empty afterwards.
+inline std::string taken(std::ostringstream& log)
+{
+    std::string text = log.str();
+    log.str({});
+    return text;
+}
