@@ -21,6 +21,7 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include "clientconsole.h"
 #include "hostlookup.h"
 #include "paramjson.h"
 #include "wideconsolebuffer.h"
@@ -76,12 +77,12 @@ bool ControlClient::connect(const std::string& address, int port)
         m_failure = Failure::CannotResolve;
         m_lookupError = lookup.errorCode();
         // The wide stream, as ever; its buffer (above) keeps stdout narrow.
-        std::wcout << ::gai_strerror(lookup.errorCode()) << std::endl;
+        ClientConsole::wide() << ::gai_strerror(lookup.errorCode()) << std::endl;
         return false;
     case HostLookup::TimedOut:
     case HostLookup::Interrupted:
         m_failure = looked == HostLookup::Interrupted ? Failure::Interrupted : Failure::ConnectTimedOut;
-        std::cout << "can't connect to " << address << ":" << service << std::endl;
+        ClientConsole::narrow() << "can't connect to " << address << ":" << service << std::endl;
         return false;
     }
 
@@ -93,15 +94,15 @@ bool ControlClient::connect(const std::string& address, int port)
             break; // out of time, or interrupted: the other addresses wait the same
         }
         m_socket = fd;
-        std::cout << "connected to " << peerText(entry->ai_addr, entry->ai_addrlen, address, service)
-                  << std::endl;
+        ClientConsole::narrow() << "connected to "
+                                << peerText(entry->ai_addr, entry->ai_addrlen, address, service) << std::endl;
         break;
     }
 
     if (m_socket == -1) {
         if (m_failure == Failure::None)
             m_failure = Failure::CannotConnect;
-        std::cout << "can't connect to " << address << ":" << service << std::endl;
+        ClientConsole::narrow() << "can't connect to " << address << ":" << service << std::endl;
         return false;
     }
     m_failure = Failure::None;
@@ -178,7 +179,7 @@ void ControlClient::disconnect()
     ::close(m_socket);
     m_socket = -1;
     m_receiveBuffer.clear();
-    std::cout << "disconnected from server" << std::endl;
+    ClientConsole::narrow() << "disconnected from server" << std::endl;
 }
 
 bool ControlClient::send(const Json::Value& message)
@@ -217,7 +218,7 @@ bool ControlClient::send(const Json::Value& message)
     }
 
     if (m_logTraffic)
-        std::cout << "[-> " << m_peerName << "] " << text << std::flush;
+        ClientConsole::narrow() << "[-> " << m_peerName << "] " << text << std::flush;
     return true;
 }
 
@@ -273,7 +274,7 @@ Json::Value ControlClient::nextMessage(bool bounded)
         const std::size_t length = static_cast<const char*>(found) - start;
         const std::string_view text(start, length);
         if (m_logTraffic)
-            std::cout << "[<- " << m_peerName << "] " << text << std::endl;
+            ClientConsole::narrow() << "[<- " << m_peerName << "] " << text << std::endl;
 
         // The bytes stay readable after consume() until the buffer is next grown.
         m_receiveBuffer.consume(length + 1);
@@ -284,11 +285,11 @@ Json::Value ControlClient::nextMessage(bool bounded)
         try {
             if (reader.parse(text.data(), text.data() + text.size(), message, true))
                 return message;
-            std::cout << reader.getFormattedErrorMessages() << ": " << text << std::endl;
+            ClientConsole::narrow() << reader.getFormattedErrorMessages() << ": " << text << std::endl;
         } catch (const Json::Exception& error) {
             // The reader gives up on nesting deeper than its stack limit by
             // throwing; for us that is one more line that is not a message.
-            std::cout << error.what() << ": " << text << std::endl;
+            ClientConsole::narrow() << error.what() << ": " << text << std::endl;
         }
     }
 }
@@ -389,6 +390,17 @@ bool ControlClient::resumeNode(std::uint32_t nodeId)
 bool ControlClient::abortNode(std::uint32_t nodeId)
 {
     return simpleRequest("abortNode", "node_id", nodeId);
+}
+
+bool ControlClient::stopNode(std::uint32_t nodeId, const std::function<bool(StopStep)>& failed)
+{
+    const bool paused = pauseNode(nodeId);
+    if (!paused && !failed(StopStep::Pause))
+        return false;
+    if (abortNode(nodeId))
+        return paused;
+    failed(StopStep::Abort);
+    return false;
 }
 
 bool ControlClient::setBatchPriority(std::uint32_t batchId, int priority)

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -24,8 +25,9 @@ struct addrinfo;
 // NoId); the only exceptions are jsoncpp's own conversion errors for members
 // of the wrong type, which pass through untouched.
 //
-// Console lines (connect, disconnect, parse errors) go to std::cout, the text
-// of a failed name lookup to std::wcout. Not thread-safe: one thread owns it,
+// Console lines (connect, disconnect, parse errors) go to standard output,
+// the text of a failed name lookup to the wide standard output, both through
+// ClientConsole. Not thread-safe: one thread owns it,
 // except for interrupt().
 //
 // Every connection asks the system to notice a dead link: keep-alive probes
@@ -186,7 +188,7 @@ public:
     // getaddrinfo's code after CannotResolve.
     int lookupError() const { return m_lookupError; }
 
-    // Echoes every message sent and received on standard output, each line
+    // Echoes every message sent and received on the client's console, each line
     // opened by "[-> " or "[<- ", the peer and "] ". Off unless switched on.
     void setTrafficTrace(bool on) { m_logTraffic = on; }
     // The id the next request carries; the counter goes on from there.
@@ -206,6 +208,15 @@ public:
     bool pauseNode(std::uint32_t nodeId);
     bool resumeNode(std::uint32_t nodeId);
     bool abortNode(std::uint32_t nodeId);
+    // A node is stopped by pausing it and then aborting it, the abort going
+    // out even when the pause failed. Each step that fails is handed to
+    // failed, which says whether to go on. True when both steps went through.
+    enum class StopStep
+    {
+        Pause,
+        Abort,
+    };
+    bool stopNode(std::uint32_t nodeId, const std::function<bool(StopStep)>& failed);
     bool setBatchPriority(std::uint32_t batchId, int priority);
     bool setNodePriority(std::uint32_t nodeId, int priority);
     std::uint32_t createBatch(const std::string& path, const std::vector<TaskRequest>& tasks);

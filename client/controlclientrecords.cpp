@@ -1,12 +1,103 @@
 #include "controlclient.h"
 #include "paramjson.h"
+#include "recordmembers.h"
 
 namespace {
 
 // Wire strings by status value.
 const char* const StatusNames[] = {"pending", "inprogress", "completed", "paused", "aborted", "ready"};
 
+// Reads each member into the record as it is shown it. Members are looked up
+// with operator[], so a record that is neither an object nor null raises
+// jsoncpp's exception; a missing member reads as null does.
+class RecordReader final
+{
+public:
+    explicit RecordReader(const Json::Value& object)
+        : m_object(&object)
+    {
+    }
+
+    template <class T>
+    void member(const char* key, T& field)
+    {
+        readMember((*m_object)[key], field);
+    }
+
+    template <class T>
+    void member(const char* key, T& field, T missing)
+    {
+        readMember(m_object->get(key, Json::Value(missing)), field);
+    }
+
+    template <class Inside>
+    void object(const char* key, Inside inside)
+    {
+        within((*m_object)[key], inside);
+    }
+
+    template <class Record, class Inside>
+    void nullableObject(const char* key, Record& record, Inside inside)
+    {
+        record = Record();
+        const Json::Value& value = (*m_object)[key];
+        if (!value.isNull())
+            within(value, inside);
+    }
+
+    template <class Record, class One>
+    void each(const char* key, std::vector<Record>& list, One one)
+    {
+        const Json::Value& array = (*m_object)[key];
+        list.resize(array.size());
+        for (Json::ArrayIndex i = 0; i < list.size(); ++i)
+            within(array[i], [&] { one(list[i]); });
+    }
+
+private:
+    template <class Inside>
+    void within(const Json::Value& object, Inside inside)
+    {
+        const Json::Value* outer = m_object;
+        m_object = &object;
+        inside();
+        m_object = outer;
+    }
+
+    const Json::Value* m_object;
+};
+
 } // namespace
+
+void readMember(const Json::Value& value, std::string& field)
+{
+    field = value.asString();
+}
+
+void readMember(const Json::Value& value, int& field)
+{
+    field = value.asInt();
+}
+
+void readMember(const Json::Value& value, std::uint32_t& field)
+{
+    field = value.asUInt();
+}
+
+void readMember(const Json::Value& value, double& field)
+{
+    field = value.asDouble();
+}
+
+void readMember(const Json::Value& value, ParamMap& field)
+{
+    field = paramsFromJson(value);
+}
+
+void readMember(const Json::Value& value, ControlClient::Status& field)
+{
+    field = ControlClient::statusFromJson(value);
+}
 
 ControlClient::Status ControlClient::statusFromJson(const Json::Value& value)
 {
@@ -36,70 +127,26 @@ Json::Value ControlClient::statusToJson(int status)
 
 void ControlClient::parseTaskInfo(const Json::Value& object, TaskInfo& out)
 {
-    out.name = object["name"].asString();
-    out.params = paramsFromJson(object["params"]);
-    out.status = statusFromJson(object["status"]);
-    out.timeElapsed = object["time_elapsed"].asDouble();
-    out.timeLeft = object["time_left"].asDouble();
-    out.progress = object["progress"].asDouble();
-    out.itemsTotal = object["items_total"].asInt();
-    out.itemsDone = object["items_done"].asInt();
-    out.nodesActive = object["nodes_active"].asInt();
-    out.nodesWaiting = object["nodes_waiting"].asInt();
-    out.nodesFailed = object["nodes_failed"].asInt();
+    RecordReader reader(object);
+    visitTaskMembers(reader, out);
 }
 
 void ControlClient::parseBatchInfo(const Json::Value& object, BatchInfo& out)
 {
-    out.batchId = object["batch_id"].asUInt();
-    out.path = object["path"].asString();
-    out.status = statusFromJson(object["status"]);
-    out.priority = object["priority"].asInt();
-    out.timeStarted = object["time_started"].asUInt();
-    parseTaskInfo(object["task"], out.task);
+    RecordReader reader(object);
+    visitBatchMembers(reader, out);
 }
 
 void ControlClient::parseNodeInfo(const Json::Value& object, NodeInfo& out)
 {
-    out.hostname = object["hostname"].asString();
-    out.nodeId = object["node_id"].asUInt();
-    out.version = object["version"].asString();
-    out.status = statusFromJson(object["status"]);
-    out.priority = object["priority"].asInt();
-    out.batchId = object.get("batch_id", Json::Value(NoId)).asUInt();
-    out.progress = object.get("progress", Json::Value(0.0)).asDouble();
-    const Json::Value& task = object["task"];
-    out.taskName = task["name"].asString();
-    out.taskParams = paramsFromJson(task["params"]);
-    out.errorCount = object.get("error_count", Json::Value(0u)).asUInt();
-
-    out.lastError = NodeError();
-    const Json::Value& lastError = object["last_error"];
-    if (!lastError.isNull()) {
-        out.lastError.time = lastError["time"].asUInt();
-        out.lastError.batchId = lastError["batch_id"].asUInt();
-        out.lastError.message = lastError["message"].asString();
-    }
+    RecordReader reader(object);
+    visitNodeMembers(reader, out);
 }
 
 void ControlClient::parseBatchStatus(const Json::Value& object, BatchStatus& out)
 {
-    out.path = object["path"].asString();
-    out.status = statusFromJson(object["status"]);
-    out.priority = object["priority"].asInt();
-
-    const Json::Value& tasks = object["tasks"];
-    out.tasks.resize(tasks.size());
-    for (Json::ArrayIndex i = 0; i < out.tasks.size(); ++i)
-        parseTaskInfo(tasks[i], out.tasks[i]);
-
-    out.lastError = BatchError();
-    const Json::Value& lastError = object["last_error"];
-    if (!lastError.isNull()) {
-        out.lastError.time = lastError["time"].asUInt();
-        out.lastError.nodeId = lastError["node_id"].asUInt();
-        out.lastError.message = lastError["message"].asString();
-    }
+    RecordReader reader(object);
+    visitBatchStatusMembers(reader, out);
 }
 
 void ControlClient::parseBatchList(const Json::Value& array, BatchList& out)

@@ -1,6 +1,8 @@
 #include "paramjson.h"
 
-#include <iostream>
+#include <ostream>
+
+#include "clientconsole.h"
 
 namespace {
 
@@ -106,7 +108,7 @@ ParamMap paramsFromJson(const Json::Value& object)
             break;
         }
         case Json::objectValue:
-            std::cout << "skipping json param " << it.name() << std::endl;
+            ClientConsole::narrow() << "skipping json param " << it.name() << std::endl;
             continue;
         }
         params.emplace_hint(params.end(), it.name(), std::move(value));

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <iostream>
 #include <netdb.h>
-#include <streambuf>
 #include <thread>
 
 #include <QDate>
@@ -33,42 +32,6 @@ std::string seconds(int milliseconds)
     }
     return text + " s";
 }
-
-class NullBuffer final : public std::streambuf
-{
-protected:
-    int overflow(int c) override { return c == traits_type::eof() ? 0 : c; }
-};
-
-class NullWideBuffer final : public std::wstreambuf
-{
-protected:
-    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
-};
-
-// Sends std::cout and std::wcout nowhere while it lives.
-class ConsoleSilence final
-{
-public:
-    ConsoleSilence()
-        : m_narrow(std::cout.rdbuf(&m_null))
-        , m_wide(std::wcout.rdbuf(&m_wideNull))
-    {
-    }
-    ~ConsoleSilence()
-    {
-        std::cout.rdbuf(m_narrow);
-        std::wcout.rdbuf(m_wide);
-    }
-    ConsoleSilence(const ConsoleSilence&) = delete;
-    ConsoleSilence& operator=(const ConsoleSilence&) = delete;
-
-private:
-    NullBuffer m_null;
-    NullWideBuffer m_wideNull;
-    std::streambuf* m_narrow;
-    std::wstreambuf* m_wide;
-};
 
 } // namespace
 
@@ -108,7 +71,6 @@ int CtlRunner::run(const std::vector<std::string>& args)
         return ExitUsage;
     }
 
-    ConsoleSilence silence;
     ControlClient client;
     // The time limit holds for the whole command, name lookup and connect included.
     startClock(client, options);
@@ -245,18 +207,16 @@ int CtlRunner::execute(ControlClient& client, const CtlOptions& options)
     case CtlCommand::ResumeNode:
         return eachId(client, options, "resume", "node", &ControlClient::resumeNode);
     case CtlCommand::StopNode: {
-        // As the monitor does it: pause, then abort, the abort even when the pause was refused.
         int code = ExitDone;
         for (std::uint32_t id : options.ids) {
-            for (int step = 0; step < 2; ++step) {
-                const bool pause = step == 0;
-                if (pause ? client.pauseNode(id) : client.abortNode(id))
-                    continue;
-                code = failed(client, options,
-                    std::string(pause ? "to pause" : "to abort") + " node " + std::to_string(id));
-                if (code == ExitConnection)
-                    return code;
-            }
+            client.stopNode(id, [&](ControlClient::StopStep step) {
+                const char* verb = step == ControlClient::StopStep::Pause ? "to pause" : "to abort";
+                code = failed(client, options, std::string(verb) + " node " + std::to_string(id));
+                // a lost connection has been reported once; nothing more goes out
+                return code != ExitConnection;
+            });
+            if (code == ExitConnection)
+                return code;
         }
         return code;
     }

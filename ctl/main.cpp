@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 
+#include "clientconsole.h"
 #include "ctlrunner.h"
 #include "taskdisplaynames.h"
 
@@ -27,11 +28,11 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     initTaskDisplayNames();
 
-    // Our own stream on standard output: std::cout itself is silenced while
-    // the client runs.
-    // Both outlive main(): the signal handler may reach the runner until the very end.
-    static std::ostream out(std::cout.rdbuf());
-    static CtlRunner runner(out, std::cerr);
+    // Standard output is korvane-ctl's own: the client's console lines
+    // (connects, disconnects) are not part of it.
+    ClientConsole::discard();
+    // Outlives main(): the signal handler may reach the runner until the very end.
+    static CtlRunner runner(std::cout, std::cerr);
     runner.setClearScreen(::isatty(STDOUT_FILENO) == 1);
     runner.setStopFlag(&interrupted);
     runnerToInterrupt = &runner;

@@ -1,78 +1,136 @@
 #include "recordjson.h"
 
 #include "paramjson.h"
+#include "recordmembers.h"
+
+namespace {
+
+Json::Value toJson(const std::string& text)
+{
+    return text;
+}
+
+Json::Value toJson(int number)
+{
+    return number;
+}
+
+Json::Value toJson(std::uint32_t number)
+{
+    return Json::UInt(number);
+}
+
+Json::Value toJson(double number)
+{
+    return number;
+}
+
+Json::Value toJson(const ParamMap& params)
+{
+    return paramsToJson(params);
+}
+
+Json::Value toJson(ControlClient::Status status)
+{
+    return ControlClient::statusToJson(status);
+}
+
+// Writes each member it is shown into a JSON object. An error that never
+// happened (time 0) is written as null.
+class RecordWriter final
+{
+public:
+    template <class Record, class Visit>
+    static Json::Value write(const Record& record, Visit visit)
+    {
+        Json::Value object(Json::objectValue);
+        RecordWriter writer(object);
+        visit(writer, record);
+        return object;
+    }
+
+    template <class T>
+    void member(const char* key, const T& field)
+    {
+        (*m_object)[key] = toJson(field);
+    }
+
+    template <class T>
+    void member(const char* key, const T& field, const T&)
+    {
+        member(key, field);
+    }
+
+    template <class Inside>
+    void object(const char* key, Inside inside)
+    {
+        within((*m_object)[key] = Json::Value(Json::objectValue), inside);
+    }
+
+    template <class Record, class Inside>
+    void nullableObject(const char* key, const Record& record, Inside inside)
+    {
+        if (record.time == 0)
+            (*m_object)[key] = Json::Value();
+        else
+            object(key, inside);
+    }
+
+    template <class Record, class One>
+    void each(const char* key, const std::vector<Record>& list, One one)
+    {
+        Json::Value& array = (*m_object)[key] = Json::Value(Json::arrayValue);
+        for (const Record& record : list)
+            within(array.append(Json::Value(Json::objectValue)), [&] { one(record); });
+    }
+
+private:
+    explicit RecordWriter(Json::Value& object)
+        : m_object(&object)
+    {
+    }
+
+    template <class Inside>
+    void within(Json::Value& object, Inside inside)
+    {
+        Json::Value* outer = m_object;
+        m_object = &object;
+        inside();
+        m_object = outer;
+    }
+
+    Json::Value* m_object;
+};
+
+} // namespace
 
 Json::Value taskInfoToJson(const ControlClient::TaskInfo& task)
 {
-    Json::Value object(Json::objectValue);
-    object["name"] = task.name;
-    object["params"] = paramsToJson(task.params);
-    object["status"] = ControlClient::statusToJson(task.status);
-    object["progress"] = task.progress;
-    object["time_elapsed"] = task.timeElapsed;
-    object["time_left"] = task.timeLeft;
-    object["items_total"] = task.itemsTotal;
-    object["items_done"] = task.itemsDone;
-    object["nodes_active"] = task.nodesActive;
-    object["nodes_waiting"] = task.nodesWaiting;
-    object["nodes_failed"] = task.nodesFailed;
-    return object;
+    return RecordWriter::write(
+        task, [](RecordWriter& writer, const auto& record) { visitTaskMembers(writer, record); });
 }
 
 Json::Value batchInfoToJson(const ControlClient::BatchInfo& batch)
 {
-    Json::Value object(Json::objectValue);
-    object["batch_id"] = Json::UInt(batch.batchId);
-    object["path"] = batch.path;
-    object["status"] = ControlClient::statusToJson(batch.status);
-    object["priority"] = batch.priority;
-    object["time_started"] = Json::UInt(batch.timeStarted);
-    object["task"] = taskInfoToJson(batch.task);
-    return object;
+    return RecordWriter::write(
+        batch, [](RecordWriter& writer, const auto& record) { visitBatchMembers(writer, record); });
 }
 
 Json::Value nodeInfoToJson(const ControlClient::NodeInfo& node)
 {
-    Json::Value object(Json::objectValue);
-    object["node_id"] = Json::UInt(node.nodeId);
-    object["hostname"] = node.hostname;
-    object["version"] = node.version;
-    object["status"] = ControlClient::statusToJson(node.status);
-    object["priority"] = node.priority;
-    object["error_count"] = Json::UInt(node.errorCount);
-    if (node.batchId != ControlClient::NoId) {
-        object["batch_id"] = Json::UInt(node.batchId);
-        object["progress"] = node.progress;
-        object["task"]["name"] = node.taskName;
-        object["task"]["params"] = paramsToJson(node.taskParams);
-    }
-    if (node.lastError.time != 0) {
-        object["last_error"]["time"] = Json::UInt(node.lastError.time);
-        object["last_error"]["batch_id"] = Json::UInt(node.lastError.batchId);
-        object["last_error"]["message"] = node.lastError.message;
-    } else {
-        object["last_error"] = Json::Value();
+    Json::Value object = RecordWriter::write(
+        node, [](RecordWriter& writer, const auto& record) { visitNodeMembers(writer, record); });
+    if (node.batchId == ControlClient::NoId) {
+        for (const char* key : {"batch_id", "progress", "task"})
+            object.removeMember(key);
     }
     return object;
 }
 
 Json::Value batchStatusToJson(const ControlClient::BatchStatus& status)
 {
-    Json::Value object(Json::objectValue);
-    object["path"] = status.path;
-    object["status"] = ControlClient::statusToJson(status.status);
-    object["priority"] = status.priority;
-    object["tasks"] = Json::Value(Json::arrayValue);
-    for (const ControlClient::TaskInfo& task : status.tasks)
-        object["tasks"].append(taskInfoToJson(task));
-    if (status.lastError.time != 0) {
-        object["last_error"]["time"] = Json::UInt(status.lastError.time);
-        object["last_error"]["node_id"] = Json::UInt(status.lastError.nodeId);
-        object["last_error"]["message"] = status.lastError.message;
-    } else {
-        object["last_error"] = Json::Value();
-    }
-    return object;
+    return RecordWriter::write(
+        status, [](RecordWriter& writer, const auto& record) { visitBatchStatusMembers(writer, record); });
 }
 
 Json::Value batchListToJson(const ControlClient::BatchList& batches)

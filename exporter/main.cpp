@@ -6,6 +6,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "clientconsole.h"
 #include "exporter.h"
 #include "exporteroptions.h"
 #include "logfilter.h"
@@ -82,8 +83,7 @@ int main(int argc, char** argv)
         std::cout << "listening on " << options.listen[i].text(server.port(i)) << std::endl;
     // The client library's console lines would repeat with every reading (a
     // line per skipped parameter object); this program logs on standard error.
-    std::cout.rdbuf(nullptr);
-    std::wcout.rdbuf(nullptr);
+    ClientConsole::discard();
 
     std::atomic<bool> served {false};
     std::thread signalWaiter([&] {

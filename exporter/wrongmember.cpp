@@ -1,65 +1,27 @@
 #include "wrongmember.h"
 
 #include <exception>
+#include <string>
+#include <type_traits>
+#include <vector>
 
-#include "paramjson.h"
+#include "recordmembers.h"
 
 namespace {
 
-enum class Want
-{
-    String,
-    Int,
-    UInt,
-    Double,
-    Params,
-};
-
-struct Member
-{
-    const char* key;
-    Want want;
-};
-
-const Member TaskMembers[] = {{"name", Want::String}, {"params", Want::Params}, {"status", Want::String},
-    {"time_elapsed", Want::Double}, {"time_left", Want::Double}, {"progress", Want::Double},
-    {"items_total", Want::Int}, {"items_done", Want::Int}, {"nodes_active", Want::Int},
-    {"nodes_waiting", Want::Int}, {"nodes_failed", Want::Int}};
-const Member BatchMembers[] = {{"batch_id", Want::UInt}, {"path", Want::String}, {"status", Want::String},
-    {"priority", Want::Int}, {"time_started", Want::UInt}};
-const Member NodeMembers[] = {{"hostname", Want::String}, {"node_id", Want::UInt}, {"version", Want::String},
-    {"status", Want::String}, {"priority", Want::Int}, {"batch_id", Want::UInt}, {"progress", Want::Double},
-    {"error_count", Want::UInt}};
-const Member NodeTaskMembers[] = {{"name", Want::String}, {"params", Want::Params}};
-const Member ErrorMembers[] = {{"time", Want::UInt}, {"batch_id", Want::UInt}, {"message", Want::String}};
-
-bool converts(const Json::Value& value, Want want)
+template <class T>
+bool reads(const Json::Value& value)
 {
     try {
-        switch (want) {
-        case Want::String:
-            value.asString();
-            break;
-        case Want::Int:
-            value.asInt();
-            break;
-        case Want::UInt:
-            value.asUInt();
-            break;
-        case Want::Double:
-            value.asDouble();
-            break;
-        case Want::Params:
-            paramsFromJson(value);
-            break;
-        }
+        T field {};
+        readMember(value, field);
         return true;
     } catch (const std::exception&) {
         return false;
     }
 }
 
-// A parameter map that does not convert: the parameter that spoils it.
+// A parameter map that does not read: the parameter that spoils it.
 std::string wrongParam(const Json::Value& params, const std::string& path)
 {
     if (!params.isObject())
@@ -67,32 +29,93 @@ std::string wrongParam(const Json::Value& params, const std::string& path)
     for (const std::string& name : params.getMemberNames()) {
         Json::Value single(Json::objectValue);
         single[name] = params[name];
-        if (!converts(single, Want::Params))
+        if (!reads<ParamMap>(single))
             return std::string(path).append(".").append(name);
     }
     return path;
 }
 
-template <std::size_t Count>
-std::string wrongIn(const Json::Value& object, const Member (&members)[Count], const std::string& path)
+// Shown the members in the client's order, tries each as the client reads
+// it and keeps the path of the first that fails; the rest are passed over.
+class WrongMemberFinder final
 {
-    // Members are read with operator[], which only null and objects allow.
-    if (!object.isNull() && !object.isObject())
-        return path;
-    for (const Member& member : members) {
-        const Json::Value& value = object[member.key];
-        if (converts(value, member.want))
-            continue;
-        const std::string memberPath = path + "." + member.key;
-        return member.want == Want::Params ? wrongParam(value, memberPath) : memberPath;
+public:
+    template <class Inside>
+    void record(const Json::Value& object, const std::string& path, Inside inside)
+    {
+        within(object, path, inside);
     }
-    return {};
-}
 
-std::string element(Json::ArrayIndex index)
-{
-    return "result[" + std::to_string(index) + "]";
-}
+    const std::string& found() const { return m_found; }
+
+    template <class T>
+    void member(const char* key, T&)
+    {
+        if (!m_found.empty())
+            return;
+        const Json::Value& value = (*m_object)[key];
+        if (reads<T>(value))
+            return;
+        const std::string path = m_path + "." + key;
+        m_found = std::is_same_v<T, ParamMap> ? wrongParam(value, path) : path;
+    }
+
+    // Present, a member reads as any other; absent it reads as null would.
+    template <class T>
+    void member(const char* key, T& field, const T&)
+    {
+        member(key, field);
+    }
+
+    template <class Inside>
+    void object(const char* key, Inside inside)
+    {
+        if (m_found.empty())
+            within((*m_object)[key], m_path + "." + key, inside);
+    }
+
+    template <class Record, class Inside>
+    void nullableObject(const char* key, Record&, Inside inside)
+    {
+        object(key, inside);
+    }
+
+    template <class Record, class One>
+    void each(const char* key, std::vector<Record>&, One one)
+    {
+        if (!m_found.empty())
+            return;
+        const Json::Value& array = (*m_object)[key];
+        for (Json::ArrayIndex i = 0; i < array.size(); ++i) {
+            Record scratch;
+            within(array[i], m_path + "." + key + "[" + std::to_string(i) + "]", [&] { one(scratch); });
+        }
+    }
+
+private:
+    // Members are read with operator[], which only null and objects allow.
+    template <class Inside>
+    void within(const Json::Value& object, const std::string& path, Inside inside)
+    {
+        if (!m_found.empty())
+            return;
+        if (!object.isNull() && !object.isObject()) {
+            m_found = path;
+            return;
+        }
+        const Json::Value* outer = m_object;
+        std::string outerPath = std::move(m_path);
+        m_object = &object;
+        m_path = path;
+        inside();
+        m_object = outer;
+        m_path = std::move(outerPath);
+    }
+
+    const Json::Value* m_object = nullptr;
+    std::string m_path;
+    std::string m_found;
+};
 
 // The list readers take size() entries and index them; only arrays (and null) can be indexed.
 bool indexable(const Json::Value& result)
@@ -100,36 +123,29 @@ bool indexable(const Json::Value& result)
     return result.isArray() || result.size() == 0;
 }
 
+template <class Record, class Visit>
+std::string findWrongMember(const Json::Value& result, Visit visit)
+{
+    if (!indexable(result))
+        return "result";
+    WrongMemberFinder finder;
+    for (Json::ArrayIndex i = 0; i < result.size() && finder.found().empty(); ++i) {
+        Record scratch;
+        finder.record(result[i], "result[" + std::to_string(i) + "]", [&] { visit(finder, scratch); });
+    }
+    return finder.found();
+}
+
 } // namespace
 
 std::string findWrongBatchMember(const Json::Value& result)
 {
-    if (!indexable(result))
-        return "result";
-    for (Json::ArrayIndex i = 0; i < result.size(); ++i) {
-        const Json::Value& batch = result[i];
-        std::string path = wrongIn(batch, BatchMembers, element(i));
-        if (path.empty())
-            path = wrongIn(batch["task"], TaskMembers, element(i) + ".task");
-        if (!path.empty())
-            return path;
-    }
-    return {};
+    return findWrongMember<ControlClient::BatchInfo>(result,
+        [](WrongMemberFinder& finder, ControlClient::BatchInfo& batch) { visitBatchMembers(finder, batch); });
 }
 
 std::string findWrongNodeMember(const Json::Value& result)
 {
-    if (!indexable(result))
-        return "result";
-    for (Json::ArrayIndex i = 0; i < result.size(); ++i) {
-        const Json::Value& node = result[i];
-        std::string path = wrongIn(node, NodeMembers, element(i));
-        if (path.empty())
-            path = wrongIn(node["task"], NodeTaskMembers, element(i) + ".task");
-        if (path.empty())
-            path = wrongIn(node["last_error"], ErrorMembers, element(i) + ".last_error");
-        if (!path.empty())
-            return path;
-    }
-    return {};
+    return findWrongMember<ControlClient::NodeInfo>(result,
+        [](WrongMemberFinder& finder, ControlClient::NodeInfo& node) { visitNodeMembers(finder, node); });
 }

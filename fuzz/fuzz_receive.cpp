@@ -12,9 +12,9 @@
 
 #include <json/reader.h>
 
+#include "clientconsole.h"
 #include "controlclient.h"
 #include "fuzzinput.h"
-#include "quietconsole.h"
 
 namespace {
 
@@ -24,6 +24,7 @@ struct Loopback
 {
     Loopback()
     {
+        ClientConsole::discard();
         listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_in address {};
         address.sin_family = AF_INET;
@@ -36,7 +37,6 @@ struct Loopback
         port = ntohs(address.sin_port);
     }
 
-    QuietConsole quiet;
     int listener = -1;
     int port = 0;
 };

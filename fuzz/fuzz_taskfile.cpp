@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "clientconsole.h"
 #include "fuzzinput.h"
-#include "quietconsole.h"
 #include "taskfile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static QuietConsole quiet;
+    ClientConsole::discard();
 
     const std::string text(reinterpret_cast<const char*>(data), size);
     std::vector<ControlClient::TaskRequest> tasks;

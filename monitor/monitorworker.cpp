@@ -165,12 +165,10 @@ void MonitorWorker::carryOut(ControlClient& client, const MonitorCommand& comman
             report("can't pause node");
         break;
     case StopNode:
-        // a node is stopped by pausing it and then aborting it, the abort
-        // going out even when the pause failed
-        if (!client.pauseNode(command.id))
-            report("can't pause node");
-        if (!client.abortNode(command.id))
-            report("can't abort node");
+        client.stopNode(command.id, [](ControlClient::StopStep step) {
+            report(step == ControlClient::StopStep::Pause ? "can't pause node" : "can't abort node");
+            return true;
+        });
         break;
     case ResumeNode:
         if (!client.resumeNode(command.id))

@@ -1,21 +1,13 @@
-#include <json/reader.h>
 #include <json/value.h>
 #include <json/writer.h>
 
 #include <gtest/gtest.h>
 
 #include "consolecapture.h"
+#include "jsontext.h"
 #include "paramjson.h"
 
 namespace {
-
-Json::Value parse(const std::string& text)
-{
-    Json::Value value;
-    Json::Reader reader;
-    EXPECT_TRUE(reader.parse(text, value)) << text;
-    return value;
-}
 
 std::string compact(const Json::Value& value)
 {
@@ -64,7 +56,7 @@ TEST(ParamsToJson, UInt8ReadBackIsAStringWhoseIntegerIsTheNumber)
 {
     ParamMap params;
     params.emplace("level", ParamValue(std::uint8_t(200)));
-    const ParamMap back = paramsFromJson(parse(compact(paramsToJson(params))));
+    const ParamMap back = paramsFromJson(jsonFromText(compact(paramsToJson(params))));
     ASSERT_EQ(back.count("level"), 1u);
     EXPECT_EQ(back.at("level").type(), ParamType::String);
     EXPECT_EQ(back.at("level").toInt32(), 200);
@@ -124,7 +116,7 @@ TEST(ParamsToJson, StringValueGoesAsItsText)
 
 TEST(ParamsFromJson, ArrayWithARealBecomesDouble)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[1, 2.5, 3]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[1, 2.5, 3]}"));
     ASSERT_EQ(params.count("v"), 1u);
     EXPECT_EQ(params.at("v").type(), ParamType::Double);
     EXPECT_EQ(params.at("v").toDoubleVector(), (std::vector<double> {1, 2.5, 3}));
@@ -132,41 +124,41 @@ TEST(ParamsFromJson, ArrayWithARealBecomesDouble)
 
 TEST(ParamsFromJson, ArrayOfIntegersBecomesInt32)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[1, 2]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[1, 2]}"));
     EXPECT_EQ(params.at("v").type(), ParamType::Int32);
     EXPECT_EQ(params.at("v").toInt32Vector(), (std::vector<std::int32_t> {1, 2}));
 }
 
 TEST(ParamsFromJson, RealBeforeIntegerStillGivesDouble)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[0.5, 2]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[0.5, 2]}"));
     EXPECT_EQ(params.at("v").type(), ParamType::Double);
 }
 
 TEST(ParamsFromJson, EmptyArrayIsLeftOut)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[], \"w\":1}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[], \"w\":1}"));
     EXPECT_EQ(params.count("v"), 0u);
     EXPECT_EQ(params.size(), 1u);
 }
 
 TEST(ParamsFromJson, ArrayOfBooleansBecomesUInt32OnesAndZeros)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[true, false, true]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[true, false, true]}"));
     EXPECT_EQ(params.at("v").type(), ParamType::UInt32);
     EXPECT_EQ(params.at("v").toUInt32Vector(), (std::vector<std::uint32_t> {1, 0, 1}));
 }
 
 TEST(ParamsFromJson, ArrayOfLargeUnsignedStaysUInt32)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[3000000000, 4000000000]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[3000000000, 4000000000]}"));
     EXPECT_EQ(params.at("v").type(), ParamType::UInt32);
     EXPECT_EQ(params.at("v").toUInt32Vector(), (std::vector<std::uint32_t> {3000000000u, 4000000000u}));
 }
 
 TEST(ParamsFromJson, NullsAndBooleansInsideAnArrayConvert)
 {
-    const ParamMap params = paramsFromJson(parse("{\"v\":[null, true, -4]}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"v\":[null, true, -4]}"));
     EXPECT_EQ(params.at("v").type(), ParamType::Int32);
     EXPECT_EQ(params.at("v").toInt32Vector(), (std::vector<std::int32_t> {0, 1, -4}));
 }
@@ -174,7 +166,7 @@ TEST(ParamsFromJson, NullsAndBooleansInsideAnArrayConvert)
 TEST(ParamsFromJson, ObjectMemberIsSkippedAndReported)
 {
     const ConsoleCapture console;
-    const ParamMap params = paramsFromJson(parse("{\"a\":{\"x\":1}, \"b\":2}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"a\":{\"x\":1}, \"b\":2}"));
     EXPECT_EQ(params.count("a"), 0u);
     EXPECT_EQ(params.at("b").toInt32(), 2);
     EXPECT_EQ(console.text(), "skipping json param a\n");
@@ -183,7 +175,7 @@ TEST(ParamsFromJson, ObjectMemberIsSkippedAndReported)
 TEST(ParamsFromJson, ScalarsTakeTheirParamTypes)
 {
     const ConsoleCapture console;
-    const ParamMap params = paramsFromJson(parse(
+    const ParamMap params = paramsFromJson(jsonFromText(
         "{\"n\":null, \"i\":-7, \"u\":3000000000, \"r\":0.25, \"s\":\"x;y\", \"t\":true, \"f\":false}"));
     EXPECT_EQ(params.count("n"), 0u);
     EXPECT_EQ(params.at("i").type(), ParamType::Int32);
@@ -203,27 +195,27 @@ TEST(ParamsFromJson, ScalarsTakeTheirParamTypes)
 TEST(ParamsFromJson, SmallPositiveIntegerIsInt32)
 {
     // jsoncpp keeps non-negative numbers that fit an int as signed integers.
-    const ParamMap params = paramsFromJson(parse("{\"n\":5}"));
+    const ParamMap params = paramsFromJson(jsonFromText("{\"n\":5}"));
     EXPECT_EQ(params.at("n").type(), ParamType::Int32);
 }
 
 TEST(ParamsFromJson, NullOrMissingParamsGiveAnEmptyMap)
 {
     EXPECT_TRUE(paramsFromJson(Json::Value()).empty());
-    EXPECT_TRUE(paramsFromJson(parse("{}")).empty());
+    EXPECT_TRUE(paramsFromJson(jsonFromText("{}")).empty());
 }
 
 TEST(ParamsFromJson, StringInsideAnArrayRaisesJsoncppError)
 {
-    EXPECT_THROW(paramsFromJson(parse("{\"v\":[1, \"x\"]}")), Json::LogicError);
-    EXPECT_THROW(paramsFromJson(parse("{\"v\":[\"x\"]}")), Json::LogicError);
-    EXPECT_THROW(paramsFromJson(parse("{\"v\":[[1]]}")), Json::LogicError);
+    EXPECT_THROW(paramsFromJson(jsonFromText("{\"v\":[1, \"x\"]}")), Json::LogicError);
+    EXPECT_THROW(paramsFromJson(jsonFromText("{\"v\":[\"x\"]}")), Json::LogicError);
+    EXPECT_THROW(paramsFromJson(jsonFromText("{\"v\":[[1]]}")), Json::LogicError);
 }
 
 TEST(ParamsFromJson, ParamsThatAreNotAnObjectRaiseJsoncppError)
 {
     EXPECT_THROW(paramsFromJson(Json::Value("text")), Json::LogicError);
-    EXPECT_THROW(paramsFromJson(parse("[1]")), Json::LogicError);
+    EXPECT_THROW(paramsFromJson(jsonFromText("[1]")), Json::LogicError);
 }
 
 TEST(ParamsFromJson, RoundTripKeepsNamesInByteOrder)

@@ -1,20 +1,12 @@
-#include <json/reader.h>
 #include <json/value.h>
 
 #include <gtest/gtest.h>
 
 #include "consolecapture.h"
 #include "controlclient.h"
+#include "jsontext.h"
 
 namespace {
-
-Json::Value parse(const std::string& text)
-{
-    Json::Value value;
-    Json::Reader reader;
-    EXPECT_TRUE(reader.parse(text, value)) << text;
-    return value;
-}
 
 const char* const FullBatch = R"({
     "batch_id": 12, "path": "/projects/site.kproj", "status": "inprogress", "priority": -1,
@@ -63,7 +55,7 @@ TEST(ControlClientStatus, ValuesGiveWireStringsAndOthersNull)
 TEST(ControlClientRecords, BatchFieldsComeFromTheirKeys)
 {
     ControlClient::BatchInfo batch;
-    ControlClient::parseBatchInfo(parse(FullBatch), batch);
+    ControlClient::parseBatchInfo(jsonFromText(FullBatch), batch);
     EXPECT_EQ(batch.batchId, 12u);
     EXPECT_EQ(batch.path, "/projects/site.kproj");
     EXPECT_EQ(batch.status, ControlClient::InProgress);
@@ -91,7 +83,7 @@ TEST(ControlClientRecords, BatchWithoutTaskHasAnEmptyPendingTask)
     batch.task.name = "stale";
     batch.task.progress = 5;
     batch.task.params.emplace("x", ParamValue(std::int32_t(1)));
-    ControlClient::parseBatchInfo(parse(R"({"batch_id": 1, "path": "p", "status": "ready"})"), batch);
+    ControlClient::parseBatchInfo(jsonFromText(R"({"batch_id": 1, "path": "p", "status": "ready"})"), batch);
     EXPECT_EQ(batch.status, ControlClient::Ready);
     EXPECT_EQ(batch.task.name, "");
     EXPECT_TRUE(batch.task.params.empty());
@@ -109,7 +101,7 @@ TEST(ControlClientRecords, BatchWithoutTaskHasAnEmptyPendingTask)
 TEST(ControlClientRecords, NodeFieldsComeFromTheirKeys)
 {
     ControlClient::NodeInfo node;
-    ControlClient::parseNodeInfo(parse(FullNode), node);
+    ControlClient::parseNodeInfo(jsonFromText(FullNode), node);
     EXPECT_EQ(node.hostname, "render-07");
     EXPECT_EQ(node.nodeId, 7u);
     EXPECT_EQ(node.version, "1.8.4");
@@ -129,7 +121,7 @@ TEST(ControlClientRecords, NodeFieldsComeFromTheirKeys)
 TEST(ControlClientRecords, NodeWithoutBatchIdHasNone)
 {
     ControlClient::NodeInfo node;
-    ControlClient::parseNodeInfo(parse(R"({"hostname": "n1", "node_id": 3})"), node);
+    ControlClient::parseNodeInfo(jsonFromText(R"({"hostname": "n1", "node_id": 3})"), node);
     EXPECT_EQ(node.batchId, 0xFFFFFFFFu);
     EXPECT_EQ(node.progress, 0.0);
     EXPECT_EQ(node.errorCount, 0u);
@@ -146,7 +138,7 @@ TEST(ControlClientRecords, NodeWithoutBatchIdHasNone)
 TEST(ControlClientRecords, NodeWithBatchIdZeroHasBatchZero)
 {
     ControlClient::NodeInfo node;
-    ControlClient::parseNodeInfo(parse(R"({"batch_id": 0})"), node);
+    ControlClient::parseNodeInfo(jsonFromText(R"({"batch_id": 0})"), node);
     EXPECT_EQ(node.batchId, 0u);
 }
 
@@ -155,7 +147,7 @@ TEST(ControlClientRecords, NodeWithNullLastErrorHasNoError)
     ControlClient::NodeInfo node;
     node.lastError.message = "stale";
     node.lastError.time = 9;
-    ControlClient::parseNodeInfo(parse(R"({"node_id": 3, "last_error": null})"), node);
+    ControlClient::parseNodeInfo(jsonFromText(R"({"node_id": 3, "last_error": null})"), node);
     EXPECT_EQ(node.lastError.message, "");
     EXPECT_EQ(node.lastError.time, 0u);
     EXPECT_EQ(node.lastError.batchId, 0xFFFFFFFFu);
@@ -164,7 +156,7 @@ TEST(ControlClientRecords, NodeWithNullLastErrorHasNoError)
 TEST(ControlClientRecords, StatusWithTasksKeepsTheirOrder)
 {
     ControlClient::BatchStatus status;
-    ControlClient::parseBatchStatus(parse(R"({
+    ControlClient::parseBatchStatus(jsonFromText(R"({
         "path": "/p/a.kproj", "status": "aborted", "priority": 1,
         "tasks": [{"name": "AlignCameras", "status": "completed"},
                   {"name": "BuildDenseCloud", "status": "inprogress", "progress": 50},
@@ -192,13 +184,13 @@ TEST(ControlClientRecords, StatusWithoutLastErrorHasNoNode)
     ControlClient::BatchStatus status;
     status.lastError.message = "stale";
     status.tasks.resize(4);
-    ControlClient::parseBatchStatus(parse(R"({"path": "x", "last_error": null})"), status);
+    ControlClient::parseBatchStatus(jsonFromText(R"({"path": "x", "last_error": null})"), status);
     EXPECT_EQ(status.lastError.nodeId, 0xFFFFFFFFu);
     EXPECT_EQ(status.lastError.time, 0u);
     EXPECT_EQ(status.lastError.message, "");
     EXPECT_TRUE(status.tasks.empty());
 
-    ControlClient::parseBatchStatus(parse(R"({"path": "x"})"), status);
+    ControlClient::parseBatchStatus(jsonFromText(R"({"path": "x"})"), status);
     EXPECT_EQ(status.lastError.nodeId, 0xFFFFFFFFu);
 }
 
@@ -208,7 +200,7 @@ TEST(ControlClientRecords, ListParseReplacesTheWholeList)
     batches[0].path = "stale";
     batches[0].task.params.emplace("old", ParamValue(1.0));
     batches[1].priority = 2;
-    ControlClient::parseBatchList(parse(R"([{"batch_id": 1, "path": "a"}, {"batch_id": 2}])"), batches);
+    ControlClient::parseBatchList(jsonFromText(R"([{"batch_id": 1, "path": "a"}, {"batch_id": 2}])"), batches);
     ASSERT_EQ(batches.size(), 2u);
     EXPECT_EQ(batches[0].path, "a");
     EXPECT_TRUE(batches[0].task.params.empty());
@@ -219,7 +211,7 @@ TEST(ControlClientRecords, ListParseReplacesTheWholeList)
 TEST(ControlClientRecords, NodeListKeepsTheOrderOfTheArray)
 {
     ControlClient::NodeList nodes;
-    ControlClient::parseNodeList(parse(R"([{"node_id": 9}, {"node_id": 3}, {"node_id": 5}])"), nodes);
+    ControlClient::parseNodeList(jsonFromText(R"([{"node_id": 9}, {"node_id": 3}, {"node_id": 5}])"), nodes);
     ASSERT_EQ(nodes.size(), 3u);
     EXPECT_EQ(nodes[0].nodeId, 9u);
     EXPECT_EQ(nodes[1].nodeId, 3u);
@@ -236,32 +228,32 @@ TEST(ControlClientRecords, ScalarResultGivesAnEmptyList)
 TEST(ControlClientRecords, ObjectResultRaisesJsoncppError)
 {
     ControlClient::BatchList batches;
-    EXPECT_THROW(ControlClient::parseBatchList(parse(R"({"batch_id": 1})"), batches), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseBatchList(jsonFromText(R"({"batch_id": 1})"), batches), Json::LogicError);
 }
 
 TEST(ControlClientRecords, MemberOfWrongTypeRaisesJsoncppError)
 {
     ControlClient::BatchList batches;
-    EXPECT_THROW(ControlClient::parseBatchList(parse(R"([{"batch_id": "one"}])"), batches), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseBatchList(jsonFromText(R"([{"batch_id": "one"}])"), batches), Json::LogicError);
     ControlClient::NodeList nodes;
-    EXPECT_THROW(ControlClient::parseNodeList(parse(R"([{"batch_id": "x"}])"), nodes), Json::LogicError);
-    EXPECT_THROW(ControlClient::parseNodeList(parse(R"([{"priority": [1]}])"), nodes), Json::LogicError);
-    EXPECT_THROW(ControlClient::parseNodeList(parse(R"([{"progress": "half"}])"), nodes), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseNodeList(jsonFromText(R"([{"batch_id": "x"}])"), nodes), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseNodeList(jsonFromText(R"([{"priority": [1]}])"), nodes), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseNodeList(jsonFromText(R"([{"progress": "half"}])"), nodes), Json::LogicError);
     ControlClient::BatchStatus status;
-    EXPECT_THROW(ControlClient::parseBatchStatus(parse(R"({"tasks": [{"items_done": {}}]})"), status),
+    EXPECT_THROW(ControlClient::parseBatchStatus(jsonFromText(R"({"tasks": [{"items_done": {}}]})"), status),
         Json::LogicError);
 }
 
 TEST(ControlClientRecords, NegativeIdRaisesJsoncppError)
 {
     ControlClient::BatchList batches;
-    EXPECT_THROW(ControlClient::parseBatchList(parse(R"([{"batch_id": -1}])"), batches), Json::LogicError);
+    EXPECT_THROW(ControlClient::parseBatchList(jsonFromText(R"([{"batch_id": -1}])"), batches), Json::LogicError);
 }
 
 TEST(ControlClientRecords, TaskParamsWithWrongElementRaiseJsoncppError)
 {
     ControlClient::NodeList nodes;
-    EXPECT_THROW(ControlClient::parseNodeList(parse(R"([{"task": {"params": {"a": ["x"]}}}])"), nodes),
+    EXPECT_THROW(ControlClient::parseNodeList(jsonFromText(R"([{"task": {"params": {"a": ["x"]}}}])"), nodes),
         Json::LogicError);
 }
 
@@ -269,7 +261,7 @@ TEST(ControlClientRecords, ObjectParamOfANodeTaskIsReported)
 {
     const ConsoleCapture console;
     ControlClient::NodeInfo node;
-    ControlClient::parseNodeInfo(parse(R"({"task": {"name": "t", "params": {"a": {}, "b": 1}}})"), node);
+    ControlClient::parseNodeInfo(jsonFromText(R"({"task": {"name": "t", "params": {"a": {}, "b": 1}}})"), node);
     EXPECT_EQ(node.taskParams.size(), 1u);
     EXPECT_EQ(console.text(), "skipping json param a\n");
 }
@@ -277,7 +269,7 @@ TEST(ControlClientRecords, ObjectParamOfANodeTaskIsReported)
 TEST(ControlClientRecords, RecordsAreCopyableValues)
 {
     ControlClient::NodeList nodes;
-    ControlClient::parseNodeList(parse(std::string("[") + FullNode + "]"), nodes);
+    ControlClient::parseNodeList(jsonFromText(std::string("[") + FullNode + "]"), nodes);
     const ControlClient::NodeList copy = nodes;
     nodes.clear();
     ASSERT_EQ(copy.size(), 1u);

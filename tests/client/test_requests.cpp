@@ -1,4 +1,5 @@
 #include <climits>
+#include <vector>
 
 #include <json/value.h>
 
@@ -135,6 +136,64 @@ TEST_F(ControlClientRequests, FalseResultIsStillSuccess)
     connectClient();
     EXPECT_TRUE(m_client.pauseNode(2));
     EXPECT_TRUE(m_client.pauseNode(2));
+}
+
+TEST_F(ControlClientRequests, StopNodePausesThenAborts)
+{
+    m_server.acceptConnection().reply(R"({"id":0,"result":true})").reply(R"({"id":1,"result":true})");
+    connectClient();
+    std::vector<ControlClient::StopStep> failed;
+    EXPECT_TRUE(m_client.stopNode(9, [&](ControlClient::StopStep step) {
+        failed.push_back(step);
+        return true;
+    }));
+    EXPECT_TRUE(failed.empty());
+    EXPECT_TRUE(m_server.finish());
+    EXPECT_EQ(m_server.received(),
+        line(R"({"id":0,"method":"pauseNode","params":{"node_id":9}})")
+            + line(R"({"id":1,"method":"abortNode","params":{"node_id":9}})"));
+}
+
+TEST_F(ControlClientRequests, StopNodeAbortsEvenWhenThePauseIsRefused)
+{
+    m_server.acceptConnection().reply(R"({"id":0,"error":"busy"})").reply(R"({"id":1,"error":"busy"})");
+    connectClient();
+    std::vector<ControlClient::StopStep> failed;
+    EXPECT_FALSE(m_client.stopNode(4, [&](ControlClient::StopStep step) {
+        failed.push_back(step);
+        return true;
+    }));
+    EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Pause, ControlClient::StopStep::Abort}));
+    EXPECT_TRUE(m_server.finish());
+    EXPECT_EQ(m_server.received(),
+        line(R"({"id":0,"method":"pauseNode","params":{"node_id":4}})")
+            + line(R"({"id":1,"method":"abortNode","params":{"node_id":4}})"));
+}
+
+TEST_F(ControlClientRequests, StopNodeGoesNoFurtherWhenTold)
+{
+    m_server.acceptConnection().reply(R"({"id":0,"error":"busy"})");
+    connectClient();
+    std::vector<ControlClient::StopStep> failed;
+    EXPECT_FALSE(m_client.stopNode(4, [&](ControlClient::StopStep step) {
+        failed.push_back(step);
+        return false;
+    }));
+    EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Pause}));
+    EXPECT_TRUE(m_server.finish());
+    EXPECT_EQ(m_server.received(), line(R"({"id":0,"method":"pauseNode","params":{"node_id":4}})"));
+}
+
+TEST_F(ControlClientRequests, StopNodeReportsARefusedAbort)
+{
+    m_server.acceptConnection().reply(R"({"id":0,"result":true})").reply(R"({"id":1,"result":null})");
+    connectClient();
+    std::vector<ControlClient::StopStep> failed;
+    EXPECT_FALSE(m_client.stopNode(2, [&](ControlClient::StopStep step) {
+        failed.push_back(step);
+        return true;
+    }));
+    EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Abort}));
 }
 
 TEST_F(ControlClientRequests, ErrorWithoutResultIsFailure)

@@ -1,20 +1,11 @@
-#include <json/reader.h>
-
 #include <gtest/gtest.h>
 
 #include "consolecapture.h"
 #include "controlclient.h"
+#include "jsontext.h"
 #include "wrongmember.h"
 
 namespace {
-
-Json::Value parsed(const std::string& text)
-{
-    Json::Value value;
-    Json::Reader reader;
-    EXPECT_TRUE(reader.parse(text, value)) << text;
-    return value;
-}
 
 const char* const GoodBatch = R"({"batch_id":1,"path":"/p","status":"pending","priority":0,"time_started":5,
     "task":{"name":"AlignCameras","params":{"quality":1,"cameras":[1,2]},"status":"pending","progress":0,
@@ -27,7 +18,7 @@ const char* const GoodNode = R"({"node_id":1,"hostname":"h","version":"1","statu
 // Each case is also checked against the record reader: it must throw, or the path would name nothing wrong.
 void expectBatchPath(const std::string& result, const std::string& path)
 {
-    const Json::Value value = parsed(result);
+    const Json::Value value = jsonFromText(result);
     ControlClient::BatchList batches;
     EXPECT_ANY_THROW(ControlClient::parseBatchList(value, batches)) << result;
     EXPECT_EQ(findWrongBatchMember(value), path) << result;
@@ -35,7 +26,7 @@ void expectBatchPath(const std::string& result, const std::string& path)
 
 void expectNodePath(const std::string& result, const std::string& path)
 {
-    const Json::Value value = parsed(result);
+    const Json::Value value = jsonFromText(result);
     ControlClient::NodeList nodes;
     EXPECT_ANY_THROW(ControlClient::parseNodeList(value, nodes)) << result;
     EXPECT_EQ(findWrongNodeMember(value), path) << result;
@@ -45,11 +36,11 @@ void expectNodePath(const std::string& result, const std::string& path)
 
 TEST(WrongMember, GoodListsNameNothing)
 {
-    EXPECT_EQ(findWrongBatchMember(parsed(std::string("[") + GoodBatch + "," + GoodBatch + "]")), "");
-    EXPECT_EQ(findWrongNodeMember(parsed(std::string("[") + GoodNode + "]")), "");
-    EXPECT_EQ(findWrongBatchMember(parsed("[]")), "");
+    EXPECT_EQ(findWrongBatchMember(jsonFromText(std::string("[") + GoodBatch + "," + GoodBatch + "]")), "");
+    EXPECT_EQ(findWrongNodeMember(jsonFromText(std::string("[") + GoodNode + "]")), "");
+    EXPECT_EQ(findWrongBatchMember(jsonFromText("[]")), "");
     // Missing members read as their defaults.
-    EXPECT_EQ(findWrongNodeMember(parsed(R"([{}, {"last_error":null}])")), "");
+    EXPECT_EQ(findWrongNodeMember(jsonFromText(R"([{}, {"last_error":null}])")), "");
 }
 
 TEST(WrongMember, BatchMembers)
@@ -91,6 +82,6 @@ TEST(WrongMember, AResultThatIsNoList)
 TEST(WrongMember, ParameterObjectsAreSkippedNotWrong)
 {
     ConsoleCapture console;
-    EXPECT_EQ(findWrongNodeMember(parsed(R"([{"task":{"params":{"region":{"x":1}}}}])")), "");
+    EXPECT_EQ(findWrongNodeMember(jsonFromText(R"([{"task":{"params":{"region":{"x":1}}}}])")), "");
     EXPECT_EQ(console.text(), "skipping json param region\n");
 }
