@@ -21,6 +21,17 @@ protected:
         ASSERT_TRUE(m_client.connect("127.0.0.1", m_server.port()));
     }
 
+    // Stops the node, noting each step that failed; goOn is the answer to each.
+    std::vector<ControlClient::StopStep> stopNode(std::uint32_t id, bool goOn, bool& stopped)
+    {
+        std::vector<ControlClient::StopStep> failed;
+        stopped = m_client.stopNode(id, [&](ControlClient::StopStep step) {
+            failed.push_back(step);
+            return goOn;
+        });
+        return failed;
+    }
+
     ScriptedServer m_server;
     ConsoleCapture m_console;
     ControlClient m_client;
@@ -142,11 +153,9 @@ TEST_F(ControlClientRequests, StopNodePausesThenAborts)
 {
     m_server.acceptConnection().reply(R"({"id":0,"result":true})").reply(R"({"id":1,"result":true})");
     connectClient();
-    std::vector<ControlClient::StopStep> failed;
-    EXPECT_TRUE(m_client.stopNode(9, [&](ControlClient::StopStep step) {
-        failed.push_back(step);
-        return true;
-    }));
+    bool stopped = false;
+    const std::vector<ControlClient::StopStep> failed = stopNode(9, true, stopped);
+    EXPECT_TRUE(stopped);
     EXPECT_TRUE(failed.empty());
     EXPECT_TRUE(m_server.finish());
     EXPECT_EQ(m_server.received(),
@@ -158,11 +167,9 @@ TEST_F(ControlClientRequests, StopNodeAbortsEvenWhenThePauseIsRefused)
 {
     m_server.acceptConnection().reply(R"({"id":0,"error":"busy"})").reply(R"({"id":1,"error":"busy"})");
     connectClient();
-    std::vector<ControlClient::StopStep> failed;
-    EXPECT_FALSE(m_client.stopNode(4, [&](ControlClient::StopStep step) {
-        failed.push_back(step);
-        return true;
-    }));
+    bool stopped = true;
+    const std::vector<ControlClient::StopStep> failed = stopNode(4, true, stopped);
+    EXPECT_FALSE(stopped);
     EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Pause, ControlClient::StopStep::Abort}));
     EXPECT_TRUE(m_server.finish());
     EXPECT_EQ(m_server.received(),
@@ -174,11 +181,9 @@ TEST_F(ControlClientRequests, StopNodeGoesNoFurtherWhenTold)
 {
     m_server.acceptConnection().reply(R"({"id":0,"error":"busy"})");
     connectClient();
-    std::vector<ControlClient::StopStep> failed;
-    EXPECT_FALSE(m_client.stopNode(4, [&](ControlClient::StopStep step) {
-        failed.push_back(step);
-        return false;
-    }));
+    bool stopped = true;
+    const std::vector<ControlClient::StopStep> failed = stopNode(4, false, stopped);
+    EXPECT_FALSE(stopped);
     EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Pause}));
     EXPECT_TRUE(m_server.finish());
     EXPECT_EQ(m_server.received(), line(R"({"id":0,"method":"pauseNode","params":{"node_id":4}})"));
@@ -188,11 +193,9 @@ TEST_F(ControlClientRequests, StopNodeReportsARefusedAbort)
 {
     m_server.acceptConnection().reply(R"({"id":0,"result":true})").reply(R"({"id":1,"result":null})");
     connectClient();
-    std::vector<ControlClient::StopStep> failed;
-    EXPECT_FALSE(m_client.stopNode(2, [&](ControlClient::StopStep step) {
-        failed.push_back(step);
-        return true;
-    }));
+    bool stopped = true;
+    const std::vector<ControlClient::StopStep> failed = stopNode(2, true, stopped);
+    EXPECT_FALSE(stopped);
     EXPECT_EQ(failed, (std::vector {ControlClient::StopStep::Abort}));
 }
 

@@ -16,6 +16,8 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include <gtest/gtest.h>
+
 #include "monitor.h"
 
 // Widgets of a panel, found by their object names as a user's tools would.
@@ -122,9 +124,18 @@ inline MenuVisit chooseFromMenu(const std::function<void()>& open, const QString
     guard.start(5);
     // give a menu that would open time to show itself
     QTimer::singleShot(300, &guard, &QTimer::stop);
+    QWidget* window = QApplication::activeWindow();
     open();
     // the single shot above stops the guard after 300 ms at the latest
     [[maybe_unused]] const bool ended = QTest::qWaitFor([&] { return !guard.isActive(); }, 2000);
+    // The offscreen platform activates a menu through a queued event, which on
+    // a busy machine comes after the menu has closed and leaves no window
+    // active; a window system gives the activation back. Shortcuts answer only
+    // in the active window, so the next key would go nowhere without this.
+    if (visit.opened && window) {
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    }
     return visit;
 }
 
