@@ -25,6 +25,24 @@ need_packages() {
     DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# release_package PACKAGE PATTERN: the name of the package, matching the
+# extended regular expression PATTERN, that this release's PACKAGE depends on
+# (clang on clang-14 or clang-19, say). The package lists are read first
+# when they are missing, which needs root.
+release_package() {
+    local name
+    name=$(apt-cache depends "$1" 2>/dev/null | sed -En "s/^ *Depends: ($2)\$/\1/p" | head -n 1)
+    if [[ -z $name && $(id -u) -eq 0 ]]; then
+        DEBIAN_FRONTEND=noninteractive apt-get update -qq
+        name=$(apt-cache depends "$1" 2>/dev/null | sed -En "s/^ *Depends: ($2)\$/\1/p" | head -n 1)
+    fi
+    if [[ -z $name ]]; then
+        echo "setup: this release's package lists name no $1; run as root: apt-get update" >&2
+        return 1
+    fi
+    echo "$name"
+}
+
 # listening_address LOG: the ADDRESS:PORT of the first "listening on
 # ADDRESS:PORT" line that korvane-sim or korvane-exporter writes to LOG; fails
 # when none comes within ten seconds.

@@ -1,10 +1,22 @@
 #!/usr/bin/env bash
 # Installs everything the build, the tests and the run script need, from
-# Debian 12's own packages (fonts-noto-cjk draws the Japanese and Chinese
-# texts). Safe to run again: only missing packages are fetched.
+# the release's own packages, on Debian 12 (bookworm) or 13 (trixie)
+# (fonts-noto-cjk draws the Japanese and Chinese texts). Safe to run again:
+# only missing packages are fetched.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 source "$root/scripts/lib.sh"
+
+release=$(. /etc/os-release 2>/dev/null && echo "${ID:-} ${VERSION_ID:-}")
+if [[ $release != "debian 12" && $release != "debian 13" ]]; then
+    echo "setup: this script installs the packages of Debian 12 (bookworm) or 13 (trixie);" \
+        "this system is $(. /etc/os-release 2>/dev/null && echo "${PRETTY_NAME:-}" || echo unknown)" >&2
+    exit 1
+fi
+
+# clang's sanitizer and fuzzer runtimes are packaged under clang's major
+# version, which differs between releases: ask the release which it is.
+clang_runtime=$(release_package clang 'clang-[0-9]+' | sed 's/^clang-/libclang-rt-/; s/$/-dev/')
 
 packages=(
     build-essential cmake ninja-build pkg-config ccache
@@ -20,7 +32,7 @@ packages=(
     iproute2
     # the exporter's web configuration: YAML, TLS, bcrypt through crypt(), and its tests
     libyaml-cpp-dev libssl-dev libcrypt-dev openssl curl
-    clang libclang-rt-14-dev clang-tidy cppcheck
+    clang "$clang_runtime" clang-tidy cppcheck
     # the accessibility tests: the AT-SPI bus read from Python, keys sent by xdotool
     at-spi2-core dbus dbus-x11 python3-pyatspi python3-dogtail xdotool
 )
