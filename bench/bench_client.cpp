@@ -201,6 +201,21 @@ void listNodes(benchmark::State& state, const std::string& reply)
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * reply.size()));
 }
 
+// Whether a run ended by SkipWithError. Google Benchmark 1.8 replaced the
+// run's error_occurred flag with skipped; the overload for the member this
+// version has is the one chosen.
+template <typename Run>
+auto skipped(const Run& run, int) -> decltype(run.skipped, bool())
+{
+    return run.skipped != 0;
+}
+
+template <typename Run>
+bool skipped(const Run& run, long)
+{
+    return run.error_occurred;
+}
+
 // Console output as usual, plus the ratios of each client figure to its
 // jsoncpp-only twin once every benchmark has run.
 class RatioReporter final : public benchmark::ConsoleReporter
@@ -210,7 +225,7 @@ public:
     {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
-            if (run.error_occurred)
+            if (skipped(run, 0))
                 continue;
             if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median")
                 continue;

@@ -130,9 +130,9 @@ TEST_F(MainWindowTest, QuitShortcutStoresGeometryAndStateAndCloses)
     ASSERT_FALSE(QKeySequence::keyBindings(QKeySequence::Quit).isEmpty());
     MainWindow window;
     window.show();
-    QApplication::setActiveWindow(&window);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    QApplication::setActiveWindow(&window);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     ASSERT_FALSE(geometryStored());
     QTest::keySequence(&window, QKeySequence::keyBindings(QKeySequence::Quit).first());
     EXPECT_TRUE(geometryStored());
