@@ -1,12 +1,12 @@
 // Preloaded (LD_PRELOAD) into the real monitor by its crash tests. It wraps
-// recv() and poll() and, when KORVANE_FAULT asks for it, faults on the
+// recv(), poll() and ppoll() and, when KORVANE_FAULT asks for it, faults on the
 // worker thread or on the main thread once the monitor has been receiving
 // replies from the server for a while (its trees full, its threads all
 // started), inside a function named for the fault:
 //   worker           null write in korvaneWorkerFaultHere, in recv()
 //   worker-overflow  endless recursion in korvaneWorkerOverflowHere, in recv()
-//   gui              null write in korvaneGuiFaultHere, in poll() on the
-//                    main thread
+//   gui              null write in korvaneGuiFaultHere, in poll() or ppoll()
+//                    on the main thread
 // The faulting thread's id goes to the file KORVANE_FAULT_RECORD first.
 #include <atomic>
 #include <cstdint>
@@ -106,13 +106,32 @@ extern "C" ssize_t recv(int fd, void* buffer, size_t size, int flags)
     return received;
 }
 
-extern "C" int poll(struct pollfd* descriptors, nfds_t count, int timeoutMs)
+namespace {
+
+// The main thread waits in poll() or, with newer GLib (Debian 13's 2.84), in
+// ppoll().
+void faultOnTheMainThreadWhenDue()
 {
-    using Poll = int (*)(struct pollfd*, nfds_t, int);
-    static const Poll real = reinterpret_cast<Poll>(dlsym(RTLD_NEXT, "poll"));
     if (faultDue && getpid() == syscall(SYS_gettid) && std::strcmp(mode(), "gui") == 0) {
         recordThread();
         korvaneGuiFaultHere();
     }
+}
+
+} // namespace
+
+extern "C" int poll(struct pollfd* descriptors, nfds_t count, int timeoutMs)
+{
+    using Poll = int (*)(struct pollfd*, nfds_t, int);
+    static const Poll real = reinterpret_cast<Poll>(dlsym(RTLD_NEXT, "poll"));
+    faultOnTheMainThreadWhenDue();
     return real(descriptors, count, timeoutMs);
+}
+
+extern "C" int ppoll(struct pollfd* descriptors, nfds_t count, const timespec* timeout, const sigset_t* mask)
+{
+    using Ppoll = int (*)(struct pollfd*, nfds_t, const timespec*, const sigset_t*);
+    static const Ppoll real = reinterpret_cast<Ppoll>(dlsym(RTLD_NEXT, "ppoll"));
+    faultOnTheMainThreadWhenDue();
+    return real(descriptors, count, timeout, mask);
 }
