@@ -11,7 +11,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from a11ysession import Failure, Session, check, log, project_name, row_sentence, run, tr  # noqa: E402
+from a11ysession import Failure, Session, check, log, project_name, role_name, row_sentence, run, tr  # noqa: E402
 
 SIM = ["--seed", "1", "--batches", "6", "--nodes", "3", "--speed", "0", "--start-time", "1795440000"]
 
@@ -30,7 +30,7 @@ def test(bin_dir, language):
         check(port is not None, "no spin button named %r" % t("Port:"))
         split = s.find(frame, "split pane")
         trees = [split.getChildAtIndex(i) for i in range(split.childCount)
-                 if split.getChildAtIndex(i).getRoleName() == "tree"]
+                 if role_name(split.getChildAtIndex(i)) == "tree"]
         check([tree.name for tree in trees] == [t("Batches"), t("Nodes")],
               "trees in accessible order: %r" % [tree.name for tree in trees])
         relations = [r.getRelationType() for r in host.getRelationSet()]

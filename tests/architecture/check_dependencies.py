@@ -32,7 +32,9 @@ def read_graph(dot):
     for line in dot.read_text().splitlines():
         node = re.match(r'\s*"(node\d+)" \[ label = "([^"]+)"', line)
         if node:
-            names[node.group(1)] = node.group(2)
+            # CMake 3.27 and later add the alias on a second line of the
+            # label: "Qt6::Core\n(Qt::Core)".
+            names[node.group(1)] = node.group(2).split("\\n")[0]
             continue
         edge = re.match(r'\s*"(node\d+)" -> "(node\d+)"', line)
         if edge:

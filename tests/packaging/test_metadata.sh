@@ -7,9 +7,12 @@ root=$1
 package=$2
 source "$(dirname "$0")/testlib.sh"
 
+# Depends names the libraries by their release's package names and
+# versions (libjsoncpp25 or 26, libssl3 or libssl3t64): compared without
+# the version, the soname and the t64 rename, it says which libraries.
 expect_equal "control fields" "$(<"$3")" \
     "$(dpkg-deb --field "$package" Package Version Architecture Maintainer Depends Recommends Section \
-        Priority Homepage)"
+        Priority Homepage | sed -E '/^Depends:/ { s/ \([^)]*\)//g; s/t64(,|$)/\1/g; s/([a-z+-])[0-9.]+(,|$)/\1\2/g }')"
 
 entry=$root/usr/share/applications/com.korvane.Monitor.desktop
 expect_equal "desktop-file-validate" "" "$(desktop-file-validate "$entry" 2>&1 || echo "exit status $?")"
