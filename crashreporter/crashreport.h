@@ -22,7 +22,7 @@ public:
     // Removes the dump and the ".extra" file where they are now.
     void remove();
 
-    QString dumpPath() const { return m_dumpPath; }
+    const QString& dumpPath() const { return m_dumpPath; }
     QString extraPath() const;
     QString minidumpId() const;
     const Annotations& annotations() const { return m_annotations; }

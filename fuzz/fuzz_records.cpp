@@ -19,7 +19,7 @@ void allowJsonErrors(Read read)
 {
     try {
         read();
-    } catch (const Json::Exception&) {
+    } catch (const Json::Exception&) { // NOLINT(bugprone-empty-catch): see below
         // a member of the wrong type: jsoncpp's conversion error, let through on purpose
     }
 }

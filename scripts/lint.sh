@@ -32,7 +32,11 @@ includes=()
 for d in "${sources[@]}" tests/support; do
     includes+=(-I "$d")
 done
+# Newer cppcheck (2.17, Debian 13) says where its normal level limits the
+# analysis of branches; that note is no finding.
 cppcheck --std=c++17 --language=c++ --library=qt --library=scripts/cppcheck.cfg \
-    --enable=warning,performance,portability --suppress=missingIncludeSystem --inline-suppr \
-    --error-exitcode=1 --quiet -j"$(nproc)" -I "$dir/generated" "${includes[@]}" "${sources[@]}"
+    --enable=warning,performance,portability --suppress=missingIncludeSystem \
+    --suppress=normalCheckLevelMaxBranches --inline-suppr \
+    --error-exitcode=1 --quiet -j"$(nproc)" -I "$dir/generated" -I "$dir/tests/support/generated" \
+    "${includes[@]}" "${sources[@]}"
 echo "lint: no findings"

@@ -56,7 +56,7 @@ ofstream::~ofstream()
     if (is_open() && !rdbuf()->close()) {
         try {
             setstate(std::ios_base::failbit);
-        } catch (...) {
+        } catch (...) { // NOLINT(bugprone-empty-catch): see below
             // The caller asked for exceptions, but a destructor cannot throw.
         }
     }

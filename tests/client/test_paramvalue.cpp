@@ -123,6 +123,7 @@ TEST(ParamValueStorage, SixtyFourBitTypesKeepTheirOwnCodes)
 TEST(ParamValueStorage, CopyOwnsItsOwnBuffer)
 {
     ParamValue original(std::vector<std::int32_t> {1, 2, 3});
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tested
     const ParamValue copy(original);
     static_cast<std::int32_t*>(original.data())[0] = 99;
     EXPECT_EQ(copy.toInt32Vector(), (std::vector<std::int32_t> {1, 2, 3}));

@@ -221,7 +221,8 @@ ProcessedDump processDump(const std::string& dumpPath, const std::vector<std::st
 
 void writeSystemSymbols(const std::string& dumpPath, const std::string& store)
 {
-    for (const std::string& module : processDump(dumpPath, {}).modules) {
+    const ProcessedDump dump = processDump(dumpPath, {});
+    for (const std::string& module : dump.modules) {
         const bool library = module.find(".so") != std::string::npos
             && (module.rfind("/usr/lib/", 0) == 0 || module.rfind("/lib/", 0) == 0);
         if (!library)

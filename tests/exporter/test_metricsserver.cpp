@@ -241,6 +241,7 @@ TEST(MetricsServer, TwentyConcurrentScrapesShareOneReading)
     std::vector<int> statuses(20, 0);
     std::atomic<int> ready {0};
     std::vector<std::thread> scrapers;
+    scrapers.reserve(bodies.size());
     for (std::size_t i = 0; i < bodies.size(); ++i) {
         scrapers.emplace_back([&, i] {
             ++ready;
@@ -402,6 +403,7 @@ TEST(MetricsServer, ScrapesBeyondMaxRequestsGet503AndTheIndexNeverWaits)
 
     std::vector<std::thread> waiting;
     std::vector<int> statuses(2, 0);
+    waiting.reserve(statuses.size());
     for (std::size_t i = 0; i < 2; ++i) {
         waiting.emplace_back([&, i] {
             const httplib::Result result = served.get("/metrics");

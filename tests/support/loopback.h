@@ -28,7 +28,7 @@ public:
     // True when the server closed its end within the time.
     bool closedByPeer(int timeoutMs = 10000);
 
-    std::string pending() const { return m_buffer; }
+    const std::string& pending() const { return m_buffer; }
 
 private:
     bool readSome(int timeoutMs);
