@@ -10,7 +10,7 @@ source "$root/scripts/lib.sh"
 release=$(. /etc/os-release 2>/dev/null && echo "${ID:-} ${VERSION_ID:-}")
 if [[ $release != "debian 12" && $release != "debian 13" ]]; then
     echo "setup: this script installs the packages of Debian 12 (bookworm) or 13 (trixie);" \
-        "this system is $(. /etc/os-release 2>/dev/null && echo "${PRETTY_NAME:-}" || echo unknown)" >&2
+        "this system is $( (. /etc/os-release 2>/dev/null && echo "${PRETTY_NAME:-unknown}") || echo unknown)" >&2
     exit 1
 fi
 
