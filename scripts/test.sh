@@ -13,13 +13,15 @@
 #   tsan   builds the tests of the code with threads of its own (label
 #          threaded) in build-tsan/ with ThreadSanitizer and runs them
 #   fuzz   runs each fuzz target for 50 s (scripts/fuzz.sh)
+#   debian13  the setup, the build, the plain tests and the package in a new
+#          Debian 13 tree (scripts/debian13.sh)
 # A stage builds the tree it needs when that is missing or out of date, so
 # each works alone. Each stage's time is printed at its end, and all of them
 # at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-stages=(build lint plain asan tsan fuzz)
+stages=(build lint plain asan tsan fuzz debian13)
 declare -A wanted=()
 for stage in "$@"; do
     known=
@@ -61,12 +63,12 @@ summary() {
     ((${#done_stages[@]})) || return 0
     echo "test: time per stage"
     for i in "${!done_stages[@]}"; do
-        printf 'test:   %-6s %s\n' "${done_stages[$i]}" "$(minutes "${took[$i]}")"
+        printf 'test:   %-8s %s\n' "${done_stages[$i]}" "$(minutes "${took[$i]}")"
     done
     if [[ -n $slow_took ]]; then
-        printf 'test:   %-6s %s, in the background\n' slow "$(minutes "$slow_took")"
+        printf 'test:   %-8s %s, in the background\n' slow "$(minutes "$slow_took")"
     fi
-    printf 'test:   %-6s %s\n' total "$(minutes "$SECONDS")"
+    printf 'test:   %-8s %s\n' total "$(minutes "$SECONDS")"
 }
 
 slow_pid=
@@ -164,6 +166,10 @@ stage_tsan() {
 stage_fuzz() {
     # 50 s per target, five targets: within five minutes of fuzzing.
     bash scripts/fuzz.sh 50
+}
+
+stage_debian13() {
+    bash scripts/debian13.sh
 }
 
 run_stage setup
