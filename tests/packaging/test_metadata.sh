@@ -18,10 +18,11 @@ entry=$root/usr/share/applications/com.korvane.Monitor.desktop
 expect_equal "desktop-file-validate" "" "$(desktop-file-validate "$entry" 2>&1 || echo "exit status $?")"
 
 # With the tree, the metainfo's launchable is checked against the desktop entry.
-expect_equal "appstreamcli validate-tree" "com.korvane.Monitor.metainfo.xml
-
-✔ Validation was successful: pedantic: 1" \
-    "$(appstreamcli validate-tree --no-net --strict "$root" 2>&1 || echo "exit status $?")"
+# --strict fails on any remark, even one for information; what the tool says
+# and how differs by release, so it is shown only when it fails.
+expect_equal "appstreamcli validate-tree --strict" "" \
+    "$(output=$(appstreamcli validate-tree --no-net --strict "$root" 2>&1) || echo "$output
+exit status $?")"
 
 # The menu finds the monitor in each of the program's languages.
 metainfo=$root/usr/share/metainfo/com.korvane.Monitor.metainfo.xml
