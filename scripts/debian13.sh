@@ -9,6 +9,7 @@
 # Everything it made is ended, unmounted and removed when it ends, also on
 # failure; nothing is kept for a next run.
 # DEBIAN13_MIRROR is the archive (default http://deb.debian.org/debian).
+# shellcheck disable=SC2016 # the commands run inside the tree expand there
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/lib.sh
@@ -47,14 +48,10 @@ remove_tree() {
 }
 trap remove_tree EXIT
 
-step() {
-    echo "debian13: $1 ($(minutes_since "$start"))"
-}
-minutes_since() {
-    local s=$((SECONDS - $1))
-    echo "$((s / 60)) min $((s % 60)) s"
-}
 start=$SECONDS
+step() {
+    echo "debian13: $1 ($(minutes $((SECONDS - start))))"
+}
 
 step "debootstrap trixie from $mirror into $tree"
 debootstrap --variant=minbase trixie "$tree" "$mirror" >"$log" 2>&1 ||
@@ -91,7 +88,7 @@ inside() {
 }
 
 step "setup"
-# curl brings ca-certificates, which takes in the copied authorities.
+# ca-certificates first: it takes in the copied authorities.
 inside 'apt-get update -qq && apt-get install -y -qq --no-install-recommends ca-certificates >/dev/null'
 inside 'bash scripts/setup.sh'
 

@@ -31,16 +31,25 @@ need_packages() {
 # when they are missing, which needs root.
 release_package() {
     local name
-    name=$(apt-cache depends "$1" 2>/dev/null | sed -En "s/^ *Depends: ($2)\$/\1/p" | head -n 1)
+    name=$(dependency_named "$1" "$2")
     if [[ -z $name && $(id -u) -eq 0 ]]; then
         DEBIAN_FRONTEND=noninteractive apt-get update -qq
-        name=$(apt-cache depends "$1" 2>/dev/null | sed -En "s/^ *Depends: ($2)\$/\1/p" | head -n 1)
+        name=$(dependency_named "$1" "$2")
     fi
     if [[ -z $name ]]; then
         echo "setup: this release's package lists name no $1; run as root: apt-get update" >&2
         return 1
     fi
     echo "$name"
+}
+
+dependency_named() {
+    apt-cache depends "$1" 2>/dev/null | sed -En "s/^ *Depends: ($2)\$/\1/p" | head -n 1
+}
+
+# minutes SECONDS: "M min S s"
+minutes() {
+    echo "$(($1 / 60)) min $(($1 % 60)) s"
 }
 
 # listening_address LOG: the ADDRESS:PORT of the first "listening on

@@ -20,6 +20,7 @@
 # at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/lib.sh
 
 stages=(build lint plain asan tsan fuzz debian13)
 declare -A wanted=()
@@ -39,10 +40,6 @@ if ((${#wanted[@]} == 0)); then
         wanted[$s]=1
     done
 fi
-
-minutes() {
-    echo "$(($1 / 60)) min $(($1 % 60)) s"
-}
 
 # What each stage took, for the summary at the end.
 done_stages=()

@@ -21,6 +21,7 @@ trap 'rm -rf "$work"' EXIT
 # setup_on NAME OS_RELEASE_TEXT: setup's exit status and messages on that system
 setup_on() {
     printf '%s' "$2" >"$work/$1"
+    # shellcheck disable=SC2016 # the inner shell's arguments
     unshare --mount bash -c 'mount --bind "$1" /etc/os-release && bash "$2/scripts/setup.sh"' \
         setup "$work/$1" "$source_dir" 2>&1 && echo "exit status 0" || echo "exit status $?"
 }
