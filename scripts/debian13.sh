@@ -112,13 +112,8 @@ inside 'source scripts/lib.sh
     start_work
     korvane-sim --listen 127.0.0.1:0 --seed 1 >"$work/sim.out" &
     pids+=($!)
-    address=$(listening_address "$work/sim.out")
-    start_xvfb debian13
-    DISPLAY=$display korvane-monitor --connect "$address" >/dev/null &
-    pids+=($!)
-    sleep 4
-    kill -0 "${pids[-1]}" || { echo "debian13: the installed monitor ended" >&2; exit 1; }
-    screenshot_monitor "$display" /tmp/monitor.png'
+    picture_new_monitor debian13 korvane-monitor "$(listening_address "$work/sim.out")" /tmp/monitor.png
+    kill -0 "${pids[-1]}" || { echo "debian13: the installed monitor ended" >&2; exit 1; }'
 mkdir -p build
 cp "$tree/tmp/monitor.png" build/debian13-monitor.png
 echo "debian13: the installed monitor: build/debian13-monitor.png"

@@ -97,6 +97,17 @@ start_xvfb() {
     return 1
 }
 
+# picture_new_monitor WHO MONITOR ADDRESS FILE: MONITOR connected to
+# ADDRESS on a virtual screen of its own (after start_work), and its picture
+# in FILE four seconds later; the monitor is the last of $pids.
+picture_new_monitor() {
+    start_xvfb "$1" || return 1
+    DISPLAY=$display "$2" --connect "$3" >/dev/null &
+    pids+=($!)
+    sleep 4
+    screenshot_monitor "$display" "$4"
+}
+
 # screenshot_monitor DISPLAY FILE: the monitor's own window when it can be
 # found, else the whole screen.
 screenshot_monitor() {

@@ -22,10 +22,5 @@ if [[ -n "${DISPLAY:-}" ]]; then
 fi
 
 shot=${KORVANE_SCREENSHOT:-$PWD/build/screenshot.png}
-start_xvfb run || exit 1
-
-DISPLAY=$display "$bin/korvane-monitor" --connect "$sim_address" >/dev/null &
-pids+=($!)
-sleep 4
-screenshot_monitor "$display" "$shot"
+picture_new_monitor run "$bin/korvane-monitor" "$sim_address" "$shot" || exit 1
 echo "screenshot: $shot"

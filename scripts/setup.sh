@@ -7,10 +7,13 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 source "$root/scripts/lib.sh"
 
-release=$(. /etc/os-release 2>/dev/null && echo "${ID:-} ${VERSION_ID:-}")
-if [[ $release != "debian 12" && $release != "debian 13" ]]; then
+IFS='|' read -r id version name < <(
+    . /etc/os-release 2>/dev/null || true
+    echo "${ID:-}|${VERSION_ID:-}|${PRETTY_NAME:-unknown}"
+)
+if [[ $id != debian || ($version != 12 && $version != 13) ]]; then
     echo "setup: this script installs the packages of Debian 12 (bookworm) or 13 (trixie);" \
-        "this system is $( (. /etc/os-release 2>/dev/null && echo "${PRETTY_NAME:-unknown}") || echo unknown)" >&2
+        "this system is $name" >&2
     exit 1
 fi
 
