@@ -31,6 +31,8 @@ packages=(
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
+    # the web monitor's event-driven HTTP server: Boost.Beast and Asio (headers only)
+    libboost-dev
     # network namespaces, veth pairs and tc for the network fault tests
     iproute2
     # the exporter's web configuration: YAML, TLS, bcrypt through crypt(), and its tests
