@@ -83,7 +83,7 @@ Scrape scrape(httplib::Client& client, bool gzip)
 void ownPart(int simPort)
 {
     std::ostringstream log;
-    FarmReader reader("127.0.0.1:" + std::to_string(simPort), log);
+    FarmReader reader("127.0.0.1:" + std::to_string(simPort), log, "korvane-exporter");
     FarmSnapshot farm;
     // The client library's console lines (a line per skipped parameter object) off the figures.
     std::streambuf* console = std::cout.rdbuf(nullptr);

@@ -7,7 +7,7 @@
 
 Exporter::Exporter(const Settings& settings, std::ostream& log)
     : m_settings(settings)
-    , m_reader(settings.server, log)
+    , m_reader(settings.server, log, "korvane-exporter")
     , m_thread([this] { run(); })
 {
 }

@@ -103,7 +103,7 @@ MetricsServer::MetricsServer(Exporter& exporter, std::string serverAddress, Sett
     : m_exporter(exporter)
     , m_serverAddress(std::move(serverAddress))
     , m_settings(std::move(settings))
-    , m_auth(std::make_unique<BasicAuth>(m_settings.web.users))
+    , m_auth(std::make_unique<BasicAuth>(m_settings.web.users, "korvane-exporter"))
 {
 }
 
@@ -208,7 +208,7 @@ void MetricsServer::route(httplib::Server& server)
         if (m_auth->allows(request.get_header_value("Authorization")))
             return httplib::Server::HandlerResponse::Unhandled;
         response.status = 401;
-        response.set_header("WWW-Authenticate", BasicAuth::Challenge);
+        response.set_header("WWW-Authenticate", m_auth->challenge());
         response.set_content("Unauthorized\n", "text/plain; charset=utf-8");
         return httplib::Server::HandlerResponse::Handled;
     });

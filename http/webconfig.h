@@ -15,8 +15,8 @@
 //     prometheus: $2y$10$...   (bcrypt)
 //
 // Relative file names are taken from the configuration file's folder. A key
-// this exporter does not know is an error, as it is for the others, so that a
-// setting is never silently dropped.
+// these programs do not know is an error, as it is for Prometheus' exporters, so
+// that a setting is never silently dropped.
 struct WebConfig
 {
     enum class ClientAuth

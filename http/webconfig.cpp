@@ -117,7 +117,7 @@ void readTls(const YAML::Node& tls, const std::string& folder, WebConfig& config
         } else if (name == "prefer_server_cipher_suites") {
             config.preferServerCipherSuites = boolean(value, key);
         } else if (name == "cipher_suites" || name == "curve_preferences" || name == "client_allowed_sans") {
-            throw ConfigError {at, key, "not supported by this exporter; OpenSSL's defaults apply"};
+            throw ConfigError {at, key, "not supported here; OpenSSL's defaults apply"};
         } else {
             throw ConfigError {at, key, "unknown key"};
         }

@@ -6,9 +6,9 @@
 #include "loglevel.h"
 
 // Passes whole lines on to another stream buffer, leaving out those below
-// the level. The exporter's lines carry no level of their own: a line that
-// says the reading is back or the exporter stopped is info, every other one
-// (a failed reading) a warning. Used by one thread at a time.
+// the level. The programs' lines ("PROGRAM: text") carry no level of their
+// own: a line that says the reading is back or the program stopped is info,
+// every other one (a failed reading) a warning. Used by one thread at a time.
 class LogFilter final : public std::streambuf
 {
 public:

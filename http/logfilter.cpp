@@ -13,9 +13,12 @@ LogFilter::~LogFilter()
 
 LogLevel LogFilter::levelOf(const std::string& line)
 {
-    static const char* const InfoStarts[] = {"korvane-exporter: reading ", "korvane-exporter: stopped"};
+    // "PROGRAM: text"
+    const std::size_t colon = line.find(": ");
+    const std::size_t text = colon == std::string::npos ? 0 : colon + 2;
+    static const char* const InfoStarts[] = {"reading ", "stopped"};
     for (const char* start : InfoStarts) {
-        if (line.rfind(start, 0) == 0)
+        if (line.compare(text, std::char_traits<char>::length(start), start) == 0)
             return LogLevel::Info;
     }
     return LogLevel::Warn;

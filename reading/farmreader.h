@@ -19,8 +19,9 @@
 class FarmReader final
 {
 public:
-    // server: "host" or "host:port" (default port 5840).
-    FarmReader(std::string server, std::ostream& log);
+    // server: "host" or "host:port" (default port 5840). program opens
+    // each log line: "program: text".
+    FarmReader(std::string server, std::ostream& log, std::string program);
     FarmReader(const FarmReader&) = delete;
     FarmReader& operator=(const FarmReader&) = delete;
     FarmReader(FarmReader&&) = delete;
@@ -47,6 +48,7 @@ private:
     std::string m_server;
     std::string m_address;
     std::ostream& m_log;
+    const std::string m_logPrefix;
     ControlClient m_client;
     Backoff m_backoff;
     // The time the current read was given, for the log lines.

@@ -95,7 +95,7 @@ TEST(WebConfig, RefusedValuesNameTheKeyAndTheLine)
     EXPECT_EQ(
         refused(
             "tls_server_config:\n  cert_file: a\n  key_file: b\n  cipher_suites: [TLS_AES_128_GCM_SHA256]\n"),
-        "web.yml:4: tls_server_config.cipher_suites: not supported by this exporter; OpenSSL's defaults "
+        "web.yml:4: tls_server_config.cipher_suites: not supported here; OpenSSL's defaults "
         "apply");
     EXPECT_EQ(refused("tls_server_config:\n  cert_file: [a, b]\n  key_file: b\n"),
         "web.yml:2: tls_server_config.cert_file: not a single value");

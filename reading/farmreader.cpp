@@ -21,10 +21,11 @@ std::string secondsText(SteadyClock::duration duration)
 
 } // namespace
 
-FarmReader::FarmReader(std::string server, std::ostream& log)
+FarmReader::FarmReader(std::string server, std::ostream& log, std::string program)
     : m_server(std::move(server))
     , m_address(withDefaultPort(m_server))
     , m_log(log)
+    , m_logPrefix(std::move(program) + ": ")
 {
     m_client.init();
 }
@@ -59,7 +60,7 @@ void FarmReader::read(FarmSnapshot& out, SteadyClock::time_point deadline, Backo
     }
 
     if (!m_wasUp)
-        m_log << "korvane-exporter: reading " << m_address << std::endl;
+        m_log << m_logPrefix << "reading " << m_address << std::endl;
     m_wasUp = true;
     out.up = true;
 }
@@ -119,5 +120,5 @@ Json::Value FarmReader::request(const char* method)
 void FarmReader::fail(const std::string& text)
 {
     m_wasUp = false;
-    m_log << "korvane-exporter: " << text << std::endl;
+    m_log << m_logPrefix << text << std::endl;
 }

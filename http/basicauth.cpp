@@ -53,8 +53,9 @@ std::string bcrypt(const std::string& password, const std::string& hash)
 
 } // namespace
 
-BasicAuth::BasicAuth(std::map<std::string, std::string> users)
+BasicAuth::BasicAuth(std::map<std::string, std::string> users, const std::string& realm)
     : m_users(std::move(users))
+    , m_challenge("Basic realm=\"" + realm + "\", charset=\"UTF-8\"")
 {
     // An unknown user is checked against a hash of the same cost as a real one.
     if (!m_users.empty()) {
@@ -66,22 +67,22 @@ BasicAuth::BasicAuth(std::map<std::string, std::string> users)
     }
 }
 
-bool BasicAuth::allows(const std::string& authorization)
+std::optional<std::string> BasicAuth::user(const std::string& authorization)
 {
     if (m_users.empty())
-        return true;
+        return std::string();
     std::string pair;
     if (!decodeBasic(authorization, pair))
-        return false;
+        return std::nullopt;
     const std::size_t colon = pair.find(':');
     if (colon == std::string::npos)
-        return false;
+        return std::nullopt;
     const std::string user = pair.substr(0, colon);
     const std::string password = pair.substr(colon + 1);
     const auto known = m_users.find(user);
     if (known == m_users.end()) {
         bcrypt(password, m_dummyHash);
-        return false;
+        return std::nullopt;
     }
 
     const Digest digest = sha256(password);
@@ -90,11 +91,11 @@ bool BasicAuth::allows(const std::string& authorization)
         const auto passed = m_passed.find(user);
         if (passed != m_passed.end()
             && CRYPTO_memcmp(passed->second.data(), digest.data(), digest.size()) == 0)
-            return true;
+            return user;
     }
     if (!sameText(bcrypt(password, known->second), known->second))
-        return false;
+        return std::nullopt;
     std::lock_guard<std::mutex> lock(m_mutex);
     m_passed[user] = digest;
-    return true;
+    return user;
 }

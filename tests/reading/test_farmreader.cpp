@@ -35,7 +35,7 @@ TEST_F(FarmReaderTest, OneReadingIsOneLineOfEachListOnOneConnection)
         {{"listBatches", GoodBatches}, {"listNodes", GoodNodes}}, "{}");
     m_server.start();
     {
-        FarmReader reader(address(), m_log);
+        FarmReader reader(address(), m_log, "korvane-exporter");
         const auto budget = 5s;
         reader.read(m_farm, std::chrono::steady_clock::now() + budget);
         EXPECT_TRUE(m_farm.up);
@@ -63,7 +63,7 @@ TEST_F(FarmReaderTest, AMemberOfTheWrongTypeIsNamedAndTheNextReadingWorks)
         .reply(GoodBatches)
         .reply(GoodNodes);
     m_server.start();
-    FarmReader reader(address(), m_log);
+    FarmReader reader(address(), m_log, "korvane-exporter");
     const auto budget = 5s;
 
     reader.read(m_farm, std::chrono::steady_clock::now() + budget);
@@ -90,7 +90,7 @@ TEST_F(FarmReaderTest, AReplyWithoutResultFailsButKeepsTheConnection)
 {
     m_server.acceptConnection().reply(R"({"error":"busy"})").reply(GoodBatches).reply(GoodNodes);
     m_server.start();
-    FarmReader reader(address(), m_log);
+    FarmReader reader(address(), m_log, "korvane-exporter");
     const auto budget = 5s;
     reader.read(m_farm, std::chrono::steady_clock::now() + budget);
     EXPECT_FALSE(m_farm.up);
@@ -109,7 +109,7 @@ TEST_F(FarmReaderTest, ALostConnectionIsMadeAgainAtTheNextReading)
         .reply(GoodBatches)
         .reply(GoodNodes);
     m_server.start();
-    FarmReader reader(address(), m_log);
+    FarmReader reader(address(), m_log, "korvane-exporter");
     const auto budget = 5s;
     reader.read(m_farm, std::chrono::steady_clock::now() + budget);
     EXPECT_FALSE(m_farm.up);
@@ -126,7 +126,7 @@ TEST(FarmReader, ConnectionAttemptsBackOffWhileTheServerStaysAway)
     ConsoleCapture console;
     std::ostringstream log;
     const std::string address = "127.0.0.1:" + std::to_string(freeLoopbackPort());
-    FarmReader reader(address, log);
+    FarmReader reader(address, log, "korvane-exporter");
     const auto budget = 5s;
     FarmSnapshot farm;
     const auto start = Backoff::Clock::now();
@@ -156,7 +156,7 @@ TEST(FarmReader, TheServerComingBackIsReadAfterTheWait)
     std::ostringstream log;
     const std::uint16_t port = freeLoopbackPort();
     const std::string address = "127.0.0.1:" + std::to_string(port);
-    FarmReader reader(address, log);
+    FarmReader reader(address, log, "korvane-exporter");
     const auto budget = 5s;
     FarmSnapshot farm;
     const auto start = Backoff::Clock::now();
@@ -182,7 +182,7 @@ TEST_F(FarmReaderTest, AServerThatGoesQuietIsNamedAfterTheDeadline)
 {
     m_server.acceptConnection().waitForLine();
     m_server.start();
-    FarmReader reader(address(), m_log);
+    FarmReader reader(address(), m_log, "korvane-exporter");
     const auto budget = 1s;
     const auto start = std::chrono::steady_clock::now();
     reader.read(m_farm, std::chrono::steady_clock::now() + budget);
@@ -198,7 +198,7 @@ TEST_F(FarmReaderTest, InterruptCutsAWaitingRequestShort)
 {
     m_server.acceptConnection().waitForLine();
     m_server.start();
-    FarmReader reader(address(), m_log);
+    FarmReader reader(address(), m_log, "korvane-exporter");
     const auto budget = 60s;
     const auto start = std::chrono::steady_clock::now();
     std::thread interrupter([&] {
