@@ -18,6 +18,8 @@ public:
 
     // The wait set by the last failure; zero after a success.
     std::chrono::seconds delay() const { return m_delay; }
+    // When the next attempt may be made.
+    Clock::time_point nextAttempt() const { return m_next; }
 
     static constexpr std::chrono::seconds First {1};
     static constexpr std::chrono::seconds Longest {16};

@@ -62,7 +62,25 @@ void FarmReader::read(FarmSnapshot& out, SteadyClock::time_point deadline, Backo
     if (!m_wasUp)
         m_log << m_logPrefix << "reading " << m_address << std::endl;
     m_wasUp = true;
+    m_lastFailure.clear();
     out.up = true;
+}
+
+ControlClient* FarmReader::connection(SteadyClock::time_point deadline, Backoff::Clock::time_point now)
+{
+    m_client.setDeadline(deadline);
+    m_budget = deadline - SteadyClock::now();
+    if (!m_client.isConnected() && !connect(now))
+        return nullptr;
+    return &m_client;
+}
+
+ControlClient::Failure FarmReader::requestFailed(const char* method)
+{
+    const ControlClient::Failure failure = m_client.failure();
+    if (failure != ControlClient::Failure::None)
+        logFailure(method);
+    return failure;
 }
 
 bool FarmReader::connect(Backoff::Clock::time_point now)
@@ -97,9 +115,17 @@ Json::Value FarmReader::request(const char* method)
     Json::Value result = m_client.request(method, {}, false);
     if (!result.isNull())
         return result;
+    if (m_client.failure() == ControlClient::Failure::None)
+        fail(m_address + " answered " + method + " without a result");
+    else
+        logFailure(method);
+    return {};
+}
+
+void FarmReader::logFailure(const char* method)
+{
     switch (m_client.failure()) {
     case ControlClient::Failure::None:
-        fail(m_address + " answered " + method + " without a result");
         break;
     case ControlClient::Failure::NoReply:
         fail("no reply from " + m_address + " to " + method + " within " + secondsText(m_budget));
@@ -114,11 +140,11 @@ Json::Value FarmReader::request(const char* method)
         fail("connection to " + m_address + " lost during " + method);
         break;
     }
-    return {};
 }
 
 void FarmReader::fail(const std::string& text)
 {
     m_wasUp = false;
+    m_lastFailure = text;
     m_log << m_logPrefix << text << std::endl;
 }

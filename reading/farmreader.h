@@ -37,16 +37,33 @@ public:
     void interrupt() { m_client.interrupt(); }
 
     const Backoff& backoff() const { return m_backoff; }
+    // Why the last read or request failed, as its log line says it
+    // (without the program's name); empty after a success.
+    const std::string& lastFailure() const { return m_lastFailure; }
+
+    // Other requests on the reading's connection (following a batch, the
+    // commands of the web monitor): the connection, made first when needed
+    // and the back-off allows, with every request bounded by the deadline;
+    // null after a logged failure.
+    ControlClient* connection(
+        SteadyClock::time_point deadline, Backoff::Clock::time_point now = Backoff::Clock::now());
+    // After a request on connection() failed: logs why, as read() does, and
+    // returns the client's reason. Failure::None (answered without a
+    // result) is logged only for a reading, not for a command the server refused.
+    ControlClient::Failure requestFailed(const char* method);
 
 private:
     bool connect(Backoff::Clock::time_point now);
     // One request; the "result" member, or null after a logged failure.
     Json::Value request(const char* method);
+    // The log line for the client's failure in method.
+    void logFailure(const char* method);
     // One log line for a failed read.
     void fail(const std::string& text);
 
     std::string m_server;
     std::string m_address;
+    std::string m_lastFailure;
     std::ostream& m_log;
     const std::string m_logPrefix;
     ControlClient m_client;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <json/value.h>
+
+#include "farmrows.h"
+
+// Whether the farm can be read, and since when (Unix seconds). While it
+// cannot, reason says why and nextTry when the next attempt is due.
+struct FarmStatus
+{
+    bool connected = false;
+    std::int64_t since = 0;
+    std::string reason;
+    std::int64_t nextTry = 0;
+
+    bool operator==(const FarmStatus& other) const;
+    bool operator!=(const FarmStatus& other) const { return !(*this == other); }
+};
+
+// Everything a stream is shown: the last known rows (kept while the farm
+// cannot be read) and the farm's status, as of event seq. The rows of a
+// reading are shared, never changed, by the reading and the hub.
+struct FarmState
+{
+    std::uint64_t seq = 0;
+    FarmStatus farm;
+    std::shared_ptr<const RowMap> batches = std::make_shared<const RowMap>();
+    std::shared_ptr<const RowMap> nodes = std::make_shared<const RowMap>();
+};
+
+// {"state": "connected", "since": T} or
+// {"state": "disconnected", "since": T, "reason": "...", "next_try": T2}
+Json::Value farmStatusJson(const FarmStatus& status);
+
+// {"seq": N, "farm": {...}, "batches": [...], "nodes": [...]}
+Json::Value snapshotDocument(const FarmState& state);

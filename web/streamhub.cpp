@@ -1,0 +1,196 @@
+#include "streamhub.h"
+
+StreamHub::StreamHub(Limits limits, FarmState initial)
+    : m_limits(limits)
+    , m_state(std::move(initial))
+    , m_ring(limits.ringEvents)
+{
+}
+
+void StreamHub::publish(FarmState state, EventFrame event)
+{
+    std::vector<Wake> wakes;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_state = std::move(state);
+        m_ring.push(m_state.seq, event);
+        // Statuses of batches the farm no longer has are not kept.
+        for (auto it = m_batchEvents.begin(); it != m_batchEvents.end();)
+            it = m_state.batches->count(it->first) ? std::next(it) : m_batchEvents.erase(it);
+        for (auto& [id, stream] : m_streams) {
+            push(stream, event);
+            wakes.push_back(stream.wake);
+        }
+    }
+    for (const Wake& wake : wakes)
+        wake();
+}
+
+void StreamHub::publishBatch(std::uint32_t batchId, EventFrame event)
+{
+    std::vector<Wake> wakes;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_batchEvents[batchId] = event;
+        for (auto& [id, stream] : m_streams) {
+            if (stream.followedBatch == batchId) {
+                push(stream, event);
+                wakes.push_back(stream.wake);
+            }
+        }
+    }
+    for (const Wake& wake : wakes)
+        wake();
+}
+
+std::set<std::uint32_t> StreamHub::followedBatches() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    std::set<std::uint32_t> batches;
+    for (const auto& [id, stream] : m_streams) {
+        if (stream.followedBatch)
+            batches.insert(*stream.followedBatch);
+    }
+    return batches;
+}
+
+std::optional<StreamHub::StreamId> StreamHub::open(
+    std::optional<std::uint64_t> lastEventId, std::optional<std::uint32_t> followedBatch, Wake wake)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_shutDown || m_streams.size() >= m_limits.maxStreams) {
+        ++m_counters.refused;
+        return std::nullopt;
+    }
+    Stream stream;
+    stream.followedBatch = followedBatch;
+    stream.wake = std::move(wake);
+    std::optional<std::vector<EventFrame>> missed;
+    if (lastEventId == m_state.seq)
+        missed.emplace(); // up to date, also before the first event
+    else if (lastEventId)
+        missed = m_ring.after(*lastEventId);
+    if (missed) {
+        for (const EventFrame& frame : *missed)
+            push(stream, frame);
+    } else {
+        push(stream, snapshotFrameLocked());
+    }
+    if (followedBatch) {
+        const auto last = m_batchEvents.find(*followedBatch);
+        if (last != m_batchEvents.end())
+            push(stream, last->second);
+    }
+    const StreamId id = m_nextId++;
+    m_streams.emplace(id, std::move(stream));
+    return id;
+}
+
+void StreamHub::close(StreamId id)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_streams.erase(id);
+}
+
+bool StreamHub::take(StreamId id, std::vector<EventFrame>& frames)
+{
+    frames.clear();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const auto found = m_streams.find(id);
+    if (m_shutDown || found == m_streams.end())
+        return false;
+    Stream& stream = found->second;
+    if (stream.resync) {
+        stream.resync = false;
+        ++m_counters.resyncs;
+        frames.push_back(snapshotFrameLocked());
+        if (stream.followedBatch) {
+            const auto last = m_batchEvents.find(*stream.followedBatch);
+            if (last != m_batchEvents.end())
+                frames.push_back(last->second);
+        }
+    } else {
+        frames.swap(stream.queue);
+    }
+    stream.queue.clear();
+    stream.queuedBytes = 0;
+    for (const EventFrame& frame : frames)
+        m_counters.bytes += frame->size();
+    m_counters.events += frames.size();
+    return true;
+}
+
+void StreamHub::shutDown()
+{
+    std::vector<Wake> wakes;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_shutDown = true;
+        for (auto& [id, stream] : m_streams)
+            wakes.push_back(stream.wake);
+    }
+    for (const Wake& wake : wakes)
+        wake();
+}
+
+std::shared_ptr<const std::string> StreamHub::snapshotJson()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    snapshotFrameLocked();
+    return m_snapshotJson;
+}
+
+std::uint64_t StreamHub::seq() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state.seq;
+}
+
+FarmStatus StreamHub::farm() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state.farm;
+}
+
+std::size_t StreamHub::streamCount() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_streams.size();
+}
+
+bool StreamHub::knowsBatch(std::uint32_t id) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state.batches->count(id) != 0;
+}
+
+bool StreamHub::knowsNode(std::uint32_t id) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state.nodes->count(id) != 0;
+}
+
+void StreamHub::push(Stream& stream, const EventFrame& frame)
+{
+    if (stream.resync)
+        return; // a snapshot comes instead
+    if (stream.queuedBytes + frame->size() > m_limits.maxQueuedBytes && !stream.queue.empty()) {
+        stream.queue.clear();
+        stream.queuedBytes = 0;
+        stream.resync = true;
+        return;
+    }
+    stream.queue.push_back(frame);
+    stream.queuedBytes += frame->size();
+}
+
+EventFrame StreamHub::snapshotFrameLocked()
+{
+    if (!m_snapshotFrame || m_snapshotSeq != m_state.seq) {
+        const Json::Value document = snapshotDocument(m_state);
+        m_snapshotJson = std::make_shared<const std::string>(compactJson(document));
+        m_snapshotFrame = makeEventFrame("snapshot", m_state.seq, *m_snapshotJson);
+        m_snapshotSeq = m_state.seq;
+    }
+    return m_snapshotFrame;
+}
