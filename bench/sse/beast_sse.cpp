@@ -6,6 +6,7 @@
 #include <boost/asio/steady_timer.hpp>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -38,8 +39,14 @@ int main(int argc, char** argv)
 
     boost::asio::io_context context(static_cast<int>(options.threads));
     BeastHub hub;
-    BeastListener listener(context, options.port, hub, options.queueLimit);
-    listener.accept();
+    std::unique_ptr<BeastListener> listener;
+    try {
+        listener = std::make_unique<BeastListener>(context, options.port, hub, options.queueLimit);
+    } catch (const boost::system::system_error& error) {
+        std::fprintf(stderr, "beast: cannot listen on port %d: %s\n", options.port, error.what());
+        return 1;
+    }
+    listener->accept();
     boost::asio::steady_timer timer(context);
     publishAt(timer, std::chrono::steady_clock::now(), 1, hub, options.eventBytes);
 
