@@ -81,6 +81,6 @@ echo
 for name in $runs; do
     [ -f "$logs/$name.during" ] || continue
     echo "$name: $(sed 's/^sse_load: [^:]*: //' "$logs/$name.load")"
-    grep -E 'stream closed|dropped' "$logs/$name.during" | sed 's/[0-9]* so far//' | sort | uniq -c | sed 's/^/    server, while loaded: /'
+    grep -E 'stream closed|dropped' "$logs/$name.during" | sed 's/ ([0-9]* so far)//' | sort | uniq -c | sed 's/^/    server, while loaded: /'
 done
 echo "server logs: $logs"

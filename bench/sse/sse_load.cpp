@@ -207,6 +207,8 @@ int main(int argc, char** argv)
     std::size_t done = 0;
     std::vector<std::int64_t> latencies;
     latencies.reserve(options.streams * options.events);
+    // The same again by event, to tell one slow event from a slow run.
+    std::vector<std::vector<std::int64_t>> byEvent(options.events);
     std::vector<StreamReader::Event> events;
     std::vector<char> buffer(1 << 20);
     std::vector<epoll_event> ready_events(256);
@@ -284,6 +286,7 @@ int main(int argc, char** argv)
                 if (first == 0 || event.sequence < first || event.sequence > last)
                     continue;
                 latencies.push_back(now - event.stamp);
+                byEvent[event.sequence - first].push_back(now - event.stamp);
                 if (event.sequence == last)
                     ++done;
             }
@@ -305,6 +308,16 @@ int main(int argc, char** argv)
     const long residentKiB = server.residentKiB();
     peakResidentKiB = std::max(peakResidentKiB, residentKiB);
     std::sort(latencies.begin(), latencies.end());
+    std::vector<double> eventP99;
+    std::size_t worst = 0;
+    for (std::size_t i = 0; i < byEvent.size(); ++i) {
+        std::sort(byEvent[i].begin(), byEvent[i].end());
+        eventP99.push_back(percentile(byEvent[i], 0.99));
+        if (eventP99[i] > eventP99[worst])
+            worst = i;
+    }
+    std::vector<double> sortedP99 = eventP99;
+    std::sort(sortedP99.begin(), sortedP99.end());
     const std::size_t expected = options.streams * options.events;
     std::printf("%-22s %7zu %7zu %8zu %8.3f %8.3f %8.3f %8.3f %9.1f %9.1f %7.2f %7ld %9zu %8.1f\n",
         options.label.c_str(), options.streams, latencies.size(),
@@ -314,8 +327,12 @@ int main(int argc, char** argv)
         server.threads(), slowBytes, ownCpu);
     std::fprintf(stderr,
         "sse_load: %s: events %llu..%llu over %.1f s, %zu streams closed by the server, slow reader %s, "
-        "server peak RSS since start %.1f MiB\n",
+        "server peak RSS since start %.1f MiB; p99 by event: lowest %.3f ms, median %.3f ms, highest %.3f ms "
+        "(event %llu)\n",
         options.label.c_str(), static_cast<unsigned long long>(first), static_cast<unsigned long long>(last),
-        wall, closed, slowEnd.c_str(), static_cast<double>(server.peakResidentKiB()) / 1024.0);
+        wall, closed, slowEnd.c_str(), static_cast<double>(server.peakResidentKiB()) / 1024.0,
+        sortedP99.empty() ? NAN : sortedP99.front(),
+        sortedP99.empty() ? NAN : sortedP99[sortedP99.size() / 2], sortedP99.empty() ? NAN : sortedP99.back(),
+        static_cast<unsigned long long>(first + worst));
     return latencies.size() == expected ? 0 : 3;
 }
