@@ -34,15 +34,14 @@ FarmWatch::FarmWatch(Settings settings, StreamHub& hub, std::ostream& log)
     , m_hub(hub)
     , m_log(log)
     , m_reader(m_settings.server, log, Program)
-    , m_firstSeq(unixMilliseconds())
+    , m_state(hub.state())
 {
-    m_state = initialState();
 }
 
-FarmState FarmWatch::initialState() const
+FarmState FarmWatch::initialState()
 {
     FarmState state;
-    state.seq = m_firstSeq;
+    state.seq = unixMilliseconds();
     state.farm.since = unixSeconds();
     state.farm.reason = "not read yet";
     state.farm.nextTry = state.farm.since;

@@ -45,9 +45,9 @@ public:
     FarmWatch(const FarmWatch&) = delete;
     FarmWatch& operator=(const FarmWatch&) = delete;
 
-    // The state before the first reading, for the hub: no rows, and the farm
-    // not yet read.
-    FarmState initialState() const;
+    // The state before the first reading, for the hub: no rows, the farm
+    // not yet read, and the first event number (the time now).
+    static FarmState initialState();
 
     // Reads and runs commands until stop().
     void run();
@@ -72,7 +72,6 @@ private:
     StreamHub& m_hub;
     std::ostream& m_log;
     FarmReader m_reader;
-    const std::uint64_t m_firstSeq;
 
     // The reading thread's own.
     FarmState m_state;

@@ -140,6 +140,12 @@ std::shared_ptr<const std::string> StreamHub::snapshotJson()
     return m_snapshotJson;
 }
 
+FarmState StreamHub::state() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_state;
+}
+
 std::uint64_t StreamHub::seq() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);

@@ -72,6 +72,7 @@ public:
 
     // The state as one document, for GET /api/v1/snapshot; encoded once per state.
     std::shared_ptr<const std::string> snapshotJson();
+    FarmState state() const;
     std::uint64_t seq() const;
     FarmStatus farm() const;
     std::size_t streamCount() const;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "listenaddress.h"
+#include "loglevel.h"
+
+struct WebOptions
+{
+    // Given to ControlClient::connect as it is: a ":PORT" overrides the
+    // default port.
+    std::string server = "127.0.0.1";
+    std::chrono::milliseconds interval {1000};
+    std::chrono::milliseconds serverTimeout {5000};
+    // The default 127.0.0.1:10085 when none is given.
+    std::vector<ListenAddress> listen;
+    std::string webConfigFile;
+    std::set<std::string> operators;
+    std::string auditFile;
+    int maxStreams = 256;
+    int maxRequests = 40;
+    LogLevel logLevel = LogLevel::Info;
+    bool help = false;
+    bool version = false;
+};
+
+// Reads the command line (without the program name). On a usage error
+// returns false with a one-line reason. "--web.operators @FILE" reads the
+// names from FILE, one a line.
+bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, std::string& error);
+
+// Whether every address the host stands for is a loopback address; an empty
+// host (every address) is not.
+bool isLoopbackHost(const std::string& host);
+
+std::string webHelpText();
