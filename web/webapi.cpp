@@ -252,8 +252,14 @@ void WebApi::post(const ApiRequest& request, const Access::Identity& identity,
 {
     const bool known
         = (parts.size() == 2 || parts.size() == 3) && (parts[0] == "batches" || parts[0] == "nodes");
-    if (!known)
-        return reply(problemResponse(Problem::NotFound, request.path));
+    if (!known) {
+        const bool readOnly = parts.size() == 1
+            && (parts[0] == "snapshot" || parts[0] == "whoami" || parts[0] == "openapi.json"
+                || parts[0] == "events");
+        return reply(readOnly
+                ? problemResponse(Problem::MethodNotAllowed, request.method + " " + request.path)
+                : problemResponse(Problem::NotFound, request.path));
+    }
     std::variant<Action, ApiResponse> path = readPath(parts);
     if (ApiResponse* refusal = std::get_if<ApiResponse>(&path))
         return reply(*refusal);
