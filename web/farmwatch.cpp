@@ -135,7 +135,9 @@ void FarmWatch::readOnce()
             status.reason = m_reader.lastFailure();
         status.nextTry = nextTry(m_nextReading);
     }
-    if (status != m_state.farm)
+    // The next attempt's time moves with every reading while the farm is
+    // away; the reason says when it changes ("next attempt in 4 s").
+    if (status.connected != m_state.farm.connected || status.reason != m_state.farm.reason)
         publishFarm(status);
     if (!m_snapshot.up)
         return;
