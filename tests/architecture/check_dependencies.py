@@ -20,6 +20,9 @@ RULES = {
                     {"Qt6::Widgets", "Qt6::Gui", "korvane_monitor", "korvane_breakpad", "korvane_crash"}),
     "korvane-exporter": ({"korvane_client", "korvane_reading", "korvane_http"},
                          {"Qt6::Widgets", "Qt6::Gui", "Qt6::Core", "korvane_breakpad", "korvane_crash"}),
+    "korvane-web": ({"korvane_web", "korvane_reading", "korvane_http", "korvane_client"},
+                    {"Qt6::Widgets", "Qt6::Gui", "Qt6::Core", "korvane_breakpad", "korvane_crash",
+                     "korvane_exporter"}),
     "korvane-sim": ({"korvane_options"},
                     {"korvane_client", "Qt6::Core", "korvane_breakpad"}),
     # The libraries the programs that serve HTTP share: plain C++, and the
