@@ -35,6 +35,8 @@ packages=(
     libboost-dev
     # network namespaces, veth pairs and tc for the network fault tests
     iproute2
+    # kill(1), for the web monitor's reload in the unit tests
+    procps
     # the exporter's web configuration: YAML, TLS, bcrypt through crypt(), and its tests
     libyaml-cpp-dev libssl-dev libcrypt-dev openssl curl
     clang "$clang_runtime" clang-tidy cppcheck

@@ -26,6 +26,11 @@ expect_equal "the exporter's service starts the packaged program with the defaul
     "EnvironmentFile=-/etc/default/korvane-exporter
 ExecStart=/usr/bin/korvane-exporter \$ARGS" \
     "$(grep -E '^(EnvironmentFile|ExecStart)=' "$root/usr/lib/systemd/system/korvane-exporter.service")"
+expect_equal "korvane-web --version" "korvane-web 0.1.0" "$("$root/usr/bin/korvane-web" --version 2>&1)"
+expect_equal "the web monitor's service starts the packaged program with the defaults file's arguments" \
+    "EnvironmentFile=-/etc/default/korvane-web
+ExecStart=/usr/bin/korvane-web --audit.file /var/lib/korvane-web/audit.log \$ARGS" \
+    "$(grep -E '^(EnvironmentFile|ExecStart)=' "$root/usr/lib/systemd/system/korvane-web.service")"
 
 # The probe prints the window's texts once it shows (see tests/probe/korvaneprobeplugin.h).
 export QT_QPA_PLATFORM=offscreen QT_PLUGIN_PATH=$2 QT_QPA_GENERIC_PLUGINS=korvaneprobe

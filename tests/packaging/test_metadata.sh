@@ -40,8 +40,9 @@ declare -A names=(
     [korvane-ctl]="korvane-ctl - control tool for a distributed processing server"
     [korvane-sim]="korvane-sim - simulated processing server for demonstrations and tests"
     [korvane-exporter]="korvane-exporter - Prometheus exporter of a distributed processing server's farm"
+    [korvane-web]="korvane-web - web monitor of a distributed processing server's farm"
 )
-for program in korvane-monitor korvane-ctl korvane-sim korvane-exporter; do
+for program in korvane-monitor korvane-ctl korvane-sim korvane-exporter korvane-web; do
     page=$root/usr/share/man/man1/$program.1.gz
     rendered=$(MANWIDTH=200 man --warnings -l "$page" 2>"$root.man-warnings" || echo "exit status $?")
     expect_equal "man -l $program.1: NAME" "NAME
@@ -50,7 +51,8 @@ for program in korvane-monitor korvane-ctl korvane-sim korvane-exporter; do
     rm -f "$root.man-warnings"
 done
 
-expect_equal "conffiles" "/etc/default/korvane-exporter" "$(dpkg-deb --ctrl-tarfile "$package" |
+expect_equal "conffiles" "/etc/default/korvane-exporter
+/etc/default/korvane-web" "$(dpkg-deb --ctrl-tarfile "$package" |
     tar --extract --to-stdout ./conffiles)"
 
 # Lintian's own note about running as root goes to standard error.

@@ -195,3 +195,19 @@ INSTANTIATE_TEST_SUITE_P(BadInput, WebApiTest,
             "Origin http://evil.example is not http://127.0.0.1:PORT"},
         Call {"POST", "/api/v1/batches/4/pause", "{}", "application/json", {{"Sec-Fetch-Site", "cross-site"}},
             403, "cross-origin", "Sec-Fetch-Site is cross-site"}));
+
+TEST_F(WebApiTest, PromtoolFindsNothingToSayAboutTheMetrics)
+{
+    const httplib::Result metrics = s_web->client().Get("/metrics");
+    ASSERT_TRUE(metrics);
+    TempDirectory dir;
+    ASSERT_TRUE(dir.writeFile("metrics.txt", metrics->body));
+    std::string output;
+    EXPECT_EQ(runCommand("promtool check metrics < " + dir.path("metrics.txt"), output), 0) << output;
+    EXPECT_EQ(output, "");
+    for (const char* series : {"\nkorvane_web_streams_open ", "\nkorvane_web_events_sent_total ",
+             "\nkorvane_web_events_sent_bytes_total ", "\nkorvane_web_stream_resyncs_total 0\n",
+             "\nkorvane_web_actions_total{result=\"forbidden\"} 0\n", "\nkorvane_web_reading_duration_seconds ",
+             "\nkorvane_web_farm_up 1\n"})
+        EXPECT_NE(metrics->body.find(series), std::string::npos) << series;
+}

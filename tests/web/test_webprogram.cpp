@@ -127,3 +127,46 @@ TEST(WebProgram, ItServesWhileTheServerIsDownAndSaysSo)
     EXPECT_EQ(
         web.err(), "korvane-web: cannot connect to 127.0.0.1:1; next attempt in 1 s\nkorvane-web: stopped\n");
 }
+
+TEST(WebProgram, SystemdAcceptsTheUnitsAndTheirHardening)
+{
+    const std::string source = KORVANE_WEB_SOURCE_DIR;
+    // A root with the units and the program where the package puts them, kill for the
+    // reload, and systemd's own units.
+    TempDirectory root;
+    std::string output;
+    ASSERT_EQ(runCommand("mkdir -p " + root.path("usr/bin") + " " + root.path("usr/lib/systemd")
+                      + " && cp -r " + "/usr/lib/systemd/system " + root.path("usr/lib/systemd/") + " && cp "
+                      + Web + " " + root.path("usr/bin/") + " && cp " + source + "/korvane-web.service "
+                      + source + "/korvane-web@.service " + root.path("usr/lib/systemd/system/")
+                      + " && cp /usr/bin/kill " + root.path("usr/bin/") + " && ln -s usr/bin "
+                      + root.path("bin"),
+                  output),
+        0)
+        << output;
+    // --man=no: the manual page is installed by the package, not on the build machine.
+    EXPECT_EQ(runCommand("systemd-analyze verify --man=no --root=" + root.path()
+                      + " korvane-web.service korvane-web@farm-a.service",
+                  output),
+        0)
+        << output;
+    EXPECT_EQ(output, "");
+    // An exposure of 2.0 or lower (the threshold counts in tenths); the same check refuses 0.5.
+    for (const char* unit : {"korvane-web.service", "korvane-web@farm-a.service"}) {
+        const std::string security = "systemd-analyze security --offline=yes --root=" + root.path() + " ";
+        EXPECT_EQ(runCommand(security + "--threshold=20 " + unit, output), 0) << output;
+        EXPECT_NE(
+            output.find(std::string("Overall exposure level for ") + unit + ": 0.9 SAFE"), std::string::npos)
+            << output;
+        EXPECT_NE(runCommand(security + "--threshold=5 " + unit, output), 0) << output;
+    }
+    const std::string instance = readFile(source + "/korvane-web@.service");
+    for (const char* line :
+        {"\nEnvironmentFile=/etc/default/korvane-web-%i\n", "\nStateDirectory=korvane-web/%i\n",
+            "\nExecStart=/usr/bin/korvane-web --audit.file /var/lib/korvane-web/%i/audit.log $ARGS\n",
+            "\nExecReload=/bin/kill -HUP $MAINPID\n", "\nDynamicUser=yes\n", "\nIPAddressDeny=any\n"})
+        EXPECT_NE(instance.find(line), std::string::npos) << line;
+    const std::string defaults = readFile(source + "/korvane-web.default");
+    EXPECT_NE(defaults.find("\nARGS=\"--server 127.0.0.1:5840 --web.listen-address 127.0.0.1:10085\"\n"),
+        std::string::npos);
+}
