@@ -55,6 +55,15 @@ if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
         echo "setup: no de_DE.UTF-8 locale; the locale test will be skipped" >&2
     fi
 fi
+# The web side's tools (the API description's linter) from the npm registry,
+# pinned by web/ui/package-lock.json; installed again only when it changed.
+command -v npm >/dev/null || need_packages setup nodejs npm
+ui=$root/web/ui
+if [[ ! -f $ui/node_modules/.package-lock.json || $ui/package-lock.json -nt $ui/node_modules/.package-lock.json ]]; then
+    echo "setup: installing web/ui's packages from the npm registry (npm ci)"
+    (cd "$ui" && npm ci --no-audit --no-fund --loglevel=error >/dev/null)
+fi
+
 # Breakpad, the crash handler's client library, is not packaged for Debian.
 # The npm registry's "minidump" package carries its whole source tree and
 # Breakpad's own minidump_stackwalk, minidump_dump and dump_syms. Pinned by
