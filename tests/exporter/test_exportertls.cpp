@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include "certificates.h"
 #include "childprocess.h"
+#include "curlcall.h"
+#include "passwords.h"
 #include "prometheusserver.h"
 #include "simprocess.h"
 #include "tempdirectory.h"
@@ -20,84 +23,6 @@ namespace {
 
 const std::string Exporter = KORVANE_EXPORTER_PROGRAM;
 const std::string SourceDir = KORVANE_EXPORTER_SOURCE_DIR;
-
-// "secret" and "change-me" as bcrypt hashes of cost 4 and 10.
-const std::string SecretHash = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
-
-// A CA and a certificate signed by it, for the name or address given.
-class Certificates final
-{
-public:
-    explicit Certificates(const TempDirectory& dir)
-        : m_dir(dir)
-    {
-    }
-    Certificates(const Certificates&) = delete;
-    Certificates& operator=(const Certificates&) = delete;
-
-    bool makeCa(const std::string& name)
-    {
-        return ok(
-            "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj '/CN="
-            + name
-            + "' -addext basicConstraints=critical,CA:TRUE -addext keyUsage=keyCertSign,cRLSign -keyout "
-            + m_dir.path(name + ".key") + " -out " + m_dir.path(name + ".crt"));
-    }
-
-    // name.crt and name.key, signed by ca; usage serverAuth or clientAuth.
-    bool makeSigned(const std::string& name, const std::string& ca, const std::string& usage)
-    {
-        const std::string extensions = m_dir.path(name + ".ext");
-        m_dir.writeFile(
-            name + ".ext", "subjectAltName=IP:127.0.0.1,DNS:localhost\nextendedKeyUsage=" + usage + "\n");
-        return ok("openssl req -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -subj '/CN=" + name
-                   + "' -keyout " + m_dir.path(name + ".key") + " -out " + m_dir.path(name + ".csr"))
-            && ok("openssl x509 -req -days 2 -in " + m_dir.path(name + ".csr") + " -CA "
-                + m_dir.path(ca + ".crt") + " -CAkey " + m_dir.path(ca + ".key")
-                + " -CAcreateserial -extfile " + extensions + " -out " + m_dir.path(name + ".crt"));
-    }
-
-    const std::string& output() const { return m_output; }
-
-private:
-    bool ok(const std::string& command)
-    {
-        std::string output;
-        const bool done = runCommand(command, output) == 0;
-        if (!done)
-            m_output += command + "\n" + output;
-        return done;
-    }
-
-    const TempDirectory& m_dir;
-    std::string m_output;
-};
-
-// curl's answer: the HTTP status ("000" without one), the body and curl's exit code.
-struct CurlResult
-{
-    int exitCode = -1;
-    std::string status;
-    std::string body;
-    std::string headers;
-    std::string errors;
-};
-
-CurlResult curl(const TempDirectory& dir, const std::string& arguments)
-{
-    CurlResult result;
-    std::string output;
-    result.exitCode = runCommand("(curl -sS --max-time 20 -o " + dir.path("body") + " -D "
-            + dir.path("headers") + " -w '%{http_code}' " + arguments + " 2>" + dir.path("curl.err") + ")",
-        output);
-    result.status = output;
-    result.body = readFile(dir.path("body"));
-    result.headers = readFile(dir.path("headers"));
-    result.errors = readFile(dir.path("curl.err"));
-    std::remove(dir.path("body").c_str());
-    std::remove(dir.path("headers").c_str());
-    return result;
-}
 
 // The simulator and the exporter with the web configuration given, on loopback.
 class WatchedFarm final

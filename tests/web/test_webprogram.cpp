@@ -135,13 +135,13 @@ TEST(WebProgram, SystemdAcceptsTheUnitsAndTheirHardening)
     // reload, and systemd's own units.
     TempDirectory root;
     std::string output;
-    ASSERT_EQ(runCommand("mkdir -p " + root.path("usr/bin") + " " + root.path("usr/lib/systemd")
-                      + " && cp -r " + "/usr/lib/systemd/system " + root.path("usr/lib/systemd/") + " && cp "
-                      + Web + " " + root.path("usr/bin/") + " && cp " + source + "/korvane-web.service "
-                      + source + "/korvane-web@.service " + root.path("usr/lib/systemd/system/")
-                      + " && cp /usr/bin/kill " + root.path("usr/bin/") + " && ln -s usr/bin "
-                      + root.path("bin"),
-                  output),
+    ASSERT_EQ(
+        runCommand("mkdir -p " + root.path("usr/bin") + " " + root.path("usr/lib/systemd") + " && cp -r "
+                + "/usr/lib/systemd/system " + root.path("usr/lib/systemd/") + " && cp " + Web + " "
+                + root.path("usr/bin/") + " && cp " + source + "/korvane-web.service " + source
+                + "/korvane-web@.service " + root.path("usr/lib/systemd/system/") + " && cp /usr/bin/kill "
+                + root.path("usr/bin/") + " && ln -s usr/bin " + root.path("bin"),
+            output),
         0)
         << output;
     // --man=no: the manual page is installed by the package, not on the build machine.

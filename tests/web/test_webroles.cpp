@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "passwords.h"
 #include "simprocess.h"
 #include "tempdirectory.h"
 #include "webprocess.h"
@@ -15,9 +16,6 @@ using namespace std::chrono_literals;
 // Roles, same-origin state changes and the audit trail of korvane-web, with
 // basic-auth users from a web configuration file, against the simulator.
 namespace {
-
-// "secret" as a bcrypt hash of cost 4.
-const std::string SecretHash = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
 
 Json::Value parsed(const std::string& text)
 {
