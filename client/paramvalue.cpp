@@ -672,3 +672,11 @@ std::vector<double> ParamValue::toDoubleVector() const
 {
     return elements<double>();
 }
+
+bool operator==(const ParamValue& a, const ParamValue& b)
+{
+    if (a.type() != b.type() || a.count() != b.count())
+        return false;
+    const std::size_t bytes = static_cast<std::size_t>(a.count()) * paramElementSize(a.type());
+    return bytes == 0 || std::memcmp(a.data(), b.data(), bytes) == 0;
+}

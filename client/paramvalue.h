@@ -146,4 +146,11 @@ private:
 };
 
 // Parameters of a task by name, ordered byte-wise.
+// The same type and the same elements, byte for byte (a NaN equals itself).
+bool operator==(const ParamValue& a, const ParamValue& b);
+inline bool operator!=(const ParamValue& a, const ParamValue& b)
+{
+    return !(a == b);
+}
+
 using ParamMap = std::map<std::string, ParamValue>;

@@ -1,33 +1,95 @@
 #include "farmrows.h"
 
+#include <algorithm>
+
 #include "recordjson.h"
 
-RowMap batchRows(const ControlClient::BatchList& batches)
-{
-    RowMap rows;
-    for (const ControlClient::BatchInfo& batch : batches)
-        rows[batch.batchId] = batchInfoToJson(batch);
-    return rows;
-}
+namespace {
 
-RowMap nodeRows(const ControlClient::NodeList& nodes)
+template <class Record, class Id>
+std::vector<Record> sortedById(std::vector<Record> records, Id id)
 {
-    RowMap rows;
-    for (const ControlClient::NodeInfo& node : nodes) {
-        Json::Value row = nodeInfoToJson(node);
-        for (const char* key : {"batch_id", "progress", "task"}) {
-            if (!row.isMember(key))
-                row[key] = Json::Value();
-        }
-        rows[node.nodeId] = std::move(row);
+    // Stable, so that of two records with one id the server's last one stays.
+    std::stable_sort(
+        records.begin(), records.end(), [&](const Record& a, const Record& b) { return id(a) < id(b); });
+    std::vector<Record> rows;
+    rows.reserve(records.size());
+    for (Record& record : records) {
+        if (!rows.empty() && id(rows.back()) == id(record))
+            rows.back() = std::move(record);
+        else
+            rows.push_back(std::move(record));
     }
     return rows;
 }
 
-Json::Value rowArray(const RowMap& rows)
+template <class Record, class Id>
+bool hasId(const std::vector<Record>& rows, std::uint32_t wanted, Id id)
+{
+    const auto found = std::lower_bound(rows.begin(), rows.end(), wanted,
+        [&](const Record& row, std::uint32_t value) { return id(row) < value; });
+    return found != rows.end() && id(*found) == wanted;
+}
+
+std::uint32_t batchId(const ControlClient::BatchInfo& batch)
+{
+    return batch.batchId;
+}
+
+std::uint32_t nodeId(const ControlClient::NodeInfo& node)
+{
+    return node.nodeId;
+}
+
+} // namespace
+
+BatchRows batchRows(ControlClient::BatchList batches)
+{
+    return sortedById(std::move(batches), batchId);
+}
+
+NodeRows nodeRows(ControlClient::NodeList nodes)
+{
+    return sortedById(std::move(nodes), nodeId);
+}
+
+bool hasBatch(const BatchRows& rows, std::uint32_t id)
+{
+    return hasId(rows, id, batchId);
+}
+
+bool hasNode(const NodeRows& rows, std::uint32_t id)
+{
+    return hasId(rows, id, nodeId);
+}
+
+Json::Value batchRow(const ControlClient::BatchInfo& batch)
+{
+    return batchInfoToJson(batch);
+}
+
+Json::Value nodeRow(const ControlClient::NodeInfo& node)
+{
+    Json::Value row = nodeInfoToJson(node);
+    for (const char* key : {"batch_id", "progress", "task"}) {
+        if (!row.isMember(key))
+            row[key] = Json::Value();
+    }
+    return row;
+}
+
+Json::Value rowArray(const BatchRows& rows)
 {
     Json::Value array(Json::arrayValue);
-    for (const auto& [id, row] : rows)
-        array.append(row);
+    for (const ControlClient::BatchInfo& batch : rows)
+        array.append(batchRow(batch));
+    return array;
+}
+
+Json::Value rowArray(const NodeRows& rows)
+{
+    Json::Value array(Json::arrayValue);
+    for (const ControlClient::NodeInfo& node : rows)
+        array.append(nodeRow(node));
     return array;
 }

@@ -28,8 +28,8 @@ struct FarmState
 {
     std::uint64_t seq = 0;
     FarmStatus farm;
-    std::shared_ptr<const RowMap> batches = std::make_shared<const RowMap>();
-    std::shared_ptr<const RowMap> nodes = std::make_shared<const RowMap>();
+    std::shared_ptr<const BatchRows> batches = std::make_shared<const BatchRows>();
+    std::shared_ptr<const NodeRows> nodes = std::make_shared<const NodeRows>();
 };
 
 // {"state": "connected", "since": T} or

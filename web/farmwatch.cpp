@@ -142,11 +142,13 @@ void FarmWatch::readOnce()
     if (!m_snapshot.up)
         return;
 
-    auto batches = std::make_shared<const RowMap>(batchRows(m_snapshot.batches));
-    auto nodes = std::make_shared<const RowMap>(nodeRows(m_snapshot.nodes));
+    auto batches = std::make_shared<const BatchRows>(batchRows(std::move(m_snapshot.batches)));
+    auto nodes = std::make_shared<const NodeRows>(nodeRows(std::move(m_snapshot.nodes)));
+    m_snapshot.batches.clear();
+    m_snapshot.nodes.clear();
     Json::Value delta(Json::objectValue);
-    delta["batches"] = rowDelta(*m_state.batches, *batches, "batch_id");
-    delta["nodes"] = rowDelta(*m_state.nodes, *nodes, "node_id");
+    delta["batches"] = batchDelta(*m_state.batches, *batches);
+    delta["nodes"] = nodeDelta(*m_state.nodes, *nodes);
     if (!deltaIsEmpty(delta["batches"]) || !deltaIsEmpty(delta["nodes"])) {
         m_state.seq += 1;
         m_state.batches = std::move(batches);
@@ -163,7 +165,7 @@ void FarmWatch::followBatches(SteadyTime deadline)
     for (auto it = m_followed.begin(); it != m_followed.end();)
         it = followed.count(it->first) ? std::next(it) : m_followed.erase(it);
     for (std::uint32_t id : followed) {
-        if (!m_state.batches->count(id))
+        if (!hasBatch(*m_state.batches, id))
             continue;
         ControlClient* client = m_reader.connection(deadline);
         if (!client)

@@ -16,7 +16,7 @@ void StreamHub::publish(FarmState state, EventFrame event)
         m_ring.push(m_state.seq, event);
         // Statuses of batches the farm no longer has are not kept.
         for (auto it = m_batchEvents.begin(); it != m_batchEvents.end();)
-            it = m_state.batches->count(it->first) ? std::next(it) : m_batchEvents.erase(it);
+            it = hasBatch(*m_state.batches, it->first) ? std::next(it) : m_batchEvents.erase(it);
         for (auto& [id, stream] : m_streams) {
             push(stream, event);
             wakes.push_back(stream.wake);
@@ -167,13 +167,13 @@ std::size_t StreamHub::streamCount() const
 bool StreamHub::knowsBatch(std::uint32_t id) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_state.batches->count(id) != 0;
+    return hasBatch(*m_state.batches, id);
 }
 
 bool StreamHub::knowsNode(std::uint32_t id) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_state.nodes->count(id) != 0;
+    return hasNode(*m_state.nodes, id);
 }
 
 void StreamHub::push(Stream& stream, const EventFrame& frame)

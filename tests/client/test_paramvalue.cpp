@@ -330,3 +330,17 @@ TEST(ParamValueConversion, GetterOfEmptyValueOfSameTypeIsZero)
     EXPECT_TRUE(value.toFloatVector().empty());
     EXPECT_EQ(value.toInt8(), 0);
 }
+
+TEST(ParamValue, EqualWhenTypeAndEveryElementAreTheSame)
+{
+    EXPECT_EQ(ParamValue(std::int32_t {7}), ParamValue(std::int32_t {7}));
+    EXPECT_NE(ParamValue(std::int32_t {7}), ParamValue(std::int32_t {8}));
+    EXPECT_NE(ParamValue(std::int32_t {7}), ParamValue(std::int64_t {7}));
+    EXPECT_EQ(ParamValue(std::vector<double> {1.5, 2.5}), ParamValue(std::vector<double> {1.5, 2.5}));
+    EXPECT_NE(ParamValue(std::vector<double> {1.5, 2.5}), ParamValue(std::vector<double> {1.5}));
+    EXPECT_EQ(ParamValue("castle"), ParamValue(std::string("castle")));
+    EXPECT_NE(ParamValue("castle"), ParamValue("castles"));
+    EXPECT_EQ(ParamValue(), ParamValue());
+    EXPECT_EQ(ParamValue(ParamType::Float, 0), ParamValue(ParamType::Float, 0));
+    EXPECT_NE(ParamValue(ParamType::Float, 0), ParamValue(ParamType::Double, 0));
+}

@@ -21,7 +21,7 @@ ControlClient::BatchInfo batch(std::uint32_t id, ControlClient::Status status, i
 
 std::string deltaText(const ControlClient::BatchList& before, const ControlClient::BatchList& after)
 {
-    return compactJson(rowDelta(batchRows(before), batchRows(after), "batch_id"));
+    return compactJson(batchDelta(batchRows(before), batchRows(after)));
 }
 
 } // namespace
@@ -30,7 +30,7 @@ TEST(RowDelta, SameRowsGiveAnEmptyDelta)
 {
     const ControlClient::BatchList list
         = {batch(1, ControlClient::InProgress), batch(2, ControlClient::Paused)};
-    const Json::Value delta = rowDelta(batchRows(list), batchRows(list), "batch_id");
+    const Json::Value delta = batchDelta(batchRows(list), batchRows(list));
     EXPECT_TRUE(deltaIsEmpty(delta));
     EXPECT_EQ(compactJson(delta), R"({"added":[],"changed":[],"removed":[]})");
 }
@@ -60,8 +60,8 @@ TEST(RowDelta, EmptyListsOnEitherSide)
     EXPECT_EQ(deltaText({}, {}), R"({"added":[],"changed":[],"removed":[]})");
     EXPECT_EQ(
         deltaText({batch(7, ControlClient::Aborted)}, {}), R"({"added":[],"changed":[],"removed":[7]})");
-    EXPECT_EQ(compactJson(rowDelta(
-                  {}, batchRows({batch(7, ControlClient::Aborted)}), "batch_id")["added"][0]["status"]),
+    EXPECT_EQ(
+        compactJson(batchDelta({}, batchRows({batch(7, ControlClient::Aborted)}))["added"][0]["status"]),
         R"("aborted")");
 }
 
@@ -77,14 +77,54 @@ TEST(RowDelta, NodeWithoutABatchHasTheSameMembersAsOneWithABatch)
     busy.taskName = "BuildDenseCloud";
     busy.status = ControlClient::InProgress;
 
-    const RowMap idleRows = nodeRows({idle});
-    EXPECT_EQ(compactJson(idleRows.at(5)),
+    const NodeRows idleRows = nodeRows({idle});
+    EXPECT_EQ(compactJson(nodeRow(idleRows.at(0))),
         R"({"batch_id":null,"error_count":0,"hostname":"render05","last_error":null,"node_id":5,)"
         R"("priority":0,"progress":null,"status":"ready","task":null,"version":""})");
-    EXPECT_EQ(compactJson(rowDelta(idleRows, nodeRows({busy}), "node_id")),
+    EXPECT_EQ(compactJson(nodeDelta(idleRows, nodeRows({busy}))),
         R"({"added":[],"changed":[{"batch_id":9,"node_id":5,"progress":12.5,"status":"inprogress",)"
         R"("task":{"name":"BuildDenseCloud","params":null}}],"removed":[]})");
-    EXPECT_EQ(compactJson(rowDelta(nodeRows({busy}), idleRows, "node_id")),
+    EXPECT_EQ(compactJson(nodeDelta(nodeRows({busy}), idleRows)),
         R"({"added":[],"changed":[{"batch_id":null,"node_id":5,"progress":null,"status":"ready","task":null}],)"
         R"("removed":[]})");
+}
+
+TEST(RowDelta, ANodeThatGainsABatchSendsItsBatchMembersEvenWhenTheyAreZero)
+{
+    ControlClient::NodeInfo idle;
+    idle.nodeId = 6;
+    idle.status = ControlClient::Ready;
+    ControlClient::NodeInfo starting = idle;
+    starting.batchId = 2;
+    // progress 0.0 and an empty task name: the same values as the idle node's
+    // record, but the idle node's row has them as null.
+    EXPECT_EQ(compactJson(nodeDelta(nodeRows({idle}), nodeRows({starting}))),
+        R"({"added":[],"changed":[{"batch_id":2,"node_id":6,"progress":0.0,"task":{"name":"","params":null}}],)"
+        R"("removed":[]})");
+    EXPECT_EQ(compactJson(nodeDelta(nodeRows({starting}), nodeRows({idle}))),
+        R"({"added":[],"changed":[{"batch_id":null,"node_id":6,"progress":null,"task":null}],"removed":[]})");
+}
+
+TEST(RowDelta, OfTwoRecordsWithOneIdTheServersLastCounts)
+{
+    ControlClient::BatchInfo first = batch(3, ControlClient::Paused);
+    ControlClient::BatchInfo second = batch(3, ControlClient::Aborted);
+    const BatchRows rows = batchRows({batch(5, ControlClient::Pending), first, second});
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[0].batchId, 3u);
+    EXPECT_EQ(rows[0].status, ControlClient::Aborted);
+    EXPECT_TRUE(hasBatch(rows, 5));
+    EXPECT_FALSE(hasBatch(rows, 4));
+}
+
+TEST(RowDelta, TaskParametersAreCompared)
+{
+    ControlClient::BatchInfo before = batch(1, ControlClient::InProgress);
+    before.task.params["quality"] = ParamValue(std::int32_t {1});
+    ControlClient::BatchInfo after = before;
+    after.task.params["quality"] = ParamValue(std::int32_t {2});
+    EXPECT_EQ(batchDelta(batchRows({before}), batchRows({after}))["changed"][0]["task"]["params"]["quality"]
+                  .asInt(),
+        2);
+    EXPECT_TRUE(deltaIsEmpty(batchDelta(batchRows({before}), batchRows({before}))));
 }

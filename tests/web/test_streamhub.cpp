@@ -9,13 +9,10 @@ FarmState stateAt(std::uint64_t seq, std::size_t batchCount = 0)
     FarmState state;
     state.seq = seq;
     state.farm = {true, 1732450000, {}, 0};
-    RowMap batches;
-    for (std::uint32_t id = 1; id <= batchCount; ++id) {
-        Json::Value row;
-        row["batch_id"] = id;
-        batches[id] = row;
-    }
-    state.batches = std::make_shared<const RowMap>(std::move(batches));
+    BatchRows batches(batchCount);
+    for (std::uint32_t id = 1; id <= batchCount; ++id)
+        batches[id - 1].batchId = id;
+    state.batches = std::make_shared<const BatchRows>(std::move(batches));
     return state;
 }
 
