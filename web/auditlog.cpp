@@ -2,11 +2,11 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <ostream>
 #include <sys/statvfs.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "eventframe.h"
@@ -48,7 +48,7 @@ bool AuditLog::openLocked(std::string& error)
         return true;
     m_fd = ::open(m_file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0640);
     if (m_fd == -1) {
-        m_openError = "cannot open the audit file " + m_file + ": " + std::strerror(errno);
+        m_openError = "cannot open the audit file " + m_file + ": " + std::generic_category().message(errno);
         error = m_openError;
         return false;
     }
@@ -92,13 +92,14 @@ bool AuditLog::write(const Json::Value& entry, std::string& why)
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0) {
-            why = "cannot write the audit file " + m_file + ": " + std::strerror(n < 0 ? errno : EIO);
+            why = "cannot write the audit file " + m_file + ": "
+                + std::generic_category().message(n < 0 ? errno : EIO);
             return false;
         }
         written += static_cast<std::size_t>(n);
     }
     if (::fdatasync(m_fd) != 0) {
-        why = "cannot flush the audit file " + m_file + ": " + std::strerror(errno);
+        why = "cannot flush the audit file " + m_file + ": " + std::generic_category().message(errno);
         return false;
     }
     return true;

@@ -18,7 +18,7 @@ class AuditLog final
 {
 public:
     // Below this much free space on the file's disk, actions are refused.
-    static constexpr long long MinimumFreeBytes = 64 * 1024;
+    static constexpr long long MinimumFreeBytes = 64LL * 1024;
 
     AuditLog(std::string file, std::ostream& log);
     ~AuditLog();

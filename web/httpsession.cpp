@@ -219,6 +219,10 @@ void HttpSession<Stream>::startStream(const ApiRequest& request)
     if (!m_streamId)
         return respond(
             problemResponse(Problem::TooManyStreams, "every event stream this server allows is open"), false);
+    // The system would let a stream's send buffer grow to megabytes; what a
+    // slow browser has not taken waits in the stream's own bounded queue instead.
+    beast::error_code ignored;
+    lowest(m_stream).socket().set_option(asio::socket_base::send_buffer_size(StreamSendBuffer), ignored);
 
     ApiResponse head;
     WebApi::addSecurityHeaders(head, m_tls);

@@ -36,6 +36,8 @@ public:
     static constexpr std::chrono::seconds HeartbeatInterval {15};
     // The longest wait for a request's head and body.
     static constexpr std::chrono::seconds RequestTimeout {30};
+    // The system's send buffer of an event stream (which it doubles).
+    static constexpr int StreamSendBuffer = 256 * 1024;
 
 private:
     using Request = boost::beast::http::request<boost::beast::http::string_body>;

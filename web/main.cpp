@@ -99,6 +99,7 @@ int main(int argc, char** argv)
     reading.timeout = options.serverTimeout;
     StreamHub::Limits limits;
     limits.maxStreams = static_cast<std::size_t>(options.maxStreams);
+    limits.maxQueuedBytes = static_cast<std::size_t>(options.streamBuffer);
     StreamHub hub(limits, FarmWatch::initialState());
     FarmWatch watch(reading, hub, log);
 

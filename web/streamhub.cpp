@@ -7,7 +7,7 @@ StreamHub::StreamHub(Limits limits, FarmState initial)
 {
 }
 
-void StreamHub::publish(FarmState state, EventFrame event)
+void StreamHub::publish(FarmState state, const EventFrame& event)
 {
     std::vector<Wake> wakes;
     {
@@ -26,7 +26,7 @@ void StreamHub::publish(FarmState state, EventFrame event)
         wake();
 }
 
-void StreamHub::publishBatch(std::uint32_t batchId, EventFrame event)
+void StreamHub::publishBatch(std::uint32_t batchId, const EventFrame& event)
 {
     std::vector<Wake> wakes;
     {

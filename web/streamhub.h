@@ -28,7 +28,7 @@ public:
     {
         std::size_t maxStreams = 256;
         // Bytes a stream may have waiting beyond what its writer has taken.
-        std::size_t maxQueuedBytes = 8 * 1024 * 1024;
+        std::size_t maxQueuedBytes = std::size_t {8} * 1024 * 1024;
         std::size_t ringEvents = 120;
     };
 
@@ -51,9 +51,9 @@ public:
 
     // The reading's side. A new state with the event that leads to it from
     // the last one (a delta or a farm event, numbered state.seq).
-    void publish(FarmState state, EventFrame event);
+    void publish(FarmState state, const EventFrame& event);
     // A followed batch's status, for the streams that follow it.
-    void publishBatch(std::uint32_t batchId, EventFrame event);
+    void publishBatch(std::uint32_t batchId, const EventFrame& event);
     // The batches at least one stream follows.
     std::set<std::uint32_t> followedBatches() const;
 

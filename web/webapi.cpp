@@ -215,7 +215,7 @@ void WebApi::get(const ApiRequest& request, const Access::Identity& identity,
                 problemResponse(Problem::BadId, "\"" + parts[1] + "\" is not an unsigned 32-bit number"));
         if (!m_hub.knowsBatch(*id))
             return reply(problemResponse(Problem::UnknownBatch, "the farm has no batch " + parts[1]));
-        return batchStatus(*id, std::move(reply));
+        return batchStatus(*id, reply);
     }
     const bool postOnly
         = (parts.size() == 3 || parts.size() == 2) && (parts[0] == "batches" || parts[0] == "nodes");
@@ -223,7 +223,7 @@ void WebApi::get(const ApiRequest& request, const Access::Identity& identity,
                    : problemResponse(Problem::NotFound, request.path));
 }
 
-void WebApi::batchStatus(std::uint32_t id, Reply reply)
+void WebApi::batchStatus(std::uint32_t id, const Reply& reply)
 {
     FarmCommand command;
     command.target = FarmCommand::Target::Batch;
@@ -276,7 +276,7 @@ void WebApi::post(const ApiRequest& request, const Access::Identity& identity,
     if (identity.role != Access::Role::Operator)
         return refuse(request, identity, action, Problem::Forbidden, "forbidden",
             (identity.user.empty() ? std::string("this client") : identity.user) + " is a viewer", reply);
-    act(request, identity, std::move(action), std::move(reply));
+    act(request, identity, std::move(action), reply);
 }
 
 std::variant<WebApi::Action, ApiResponse> WebApi::readPath(const std::vector<std::string>& parts)
@@ -353,7 +353,8 @@ void WebApi::refuse(const ApiRequest& request, const Access::Identity& identity,
     reply(problemResponse(problem, reason));
 }
 
-void WebApi::act(const ApiRequest& request, const Access::Identity& identity, Action action, Reply reply)
+void WebApi::act(
+    const ApiRequest& request, const Access::Identity& identity, Action action, const Reply& reply)
 {
     if (!action.bulk) {
         const std::uint32_t id = action.ids.front();

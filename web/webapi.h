@@ -37,7 +37,7 @@ class WebApi final
 public:
     using Reply = std::function<void(ApiResponse)>;
 
-    static constexpr std::size_t MaxBodyBytes = 64 * 1024;
+    static constexpr std::size_t MaxBodyBytes = std::size_t {64} * 1024;
     static constexpr std::size_t MaxIdsPerRequest = 1000;
 
     struct Stream
@@ -75,7 +75,7 @@ private:
         const std::vector<std::string>& parts, Reply reply);
     void post(const ApiRequest& request, const Access::Identity& identity,
         const std::vector<std::string>& parts, Reply reply);
-    void batchStatus(std::uint32_t id, Reply reply);
+    void batchStatus(std::uint32_t id, const Reply& reply);
     // The target, the action and a single id from the path, or the refusal.
     std::variant<Action, ApiResponse> readPath(const std::vector<std::string>& parts);
     // The bulk ids and the priority from the body; the refusal when they are bad.
@@ -83,7 +83,7 @@ private:
     // An audited refusal.
     void refuse(const ApiRequest& request, const Access::Identity& identity, const Action& action,
         Problem problem, const std::string& result, const std::string& reason, const Reply& reply);
-    void act(const ApiRequest& request, const Access::Identity& identity, Action action, Reply reply);
+    void act(const ApiRequest& request, const Access::Identity& identity, Action action, const Reply& reply);
     // Writes the audit line; a refusal when it could not be written.
     std::optional<ApiResponse> audit(const ApiRequest& request, const Access::Identity& identity,
         const Action& action, const std::string& result, const std::string& reason,

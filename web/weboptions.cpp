@@ -40,6 +40,21 @@ bool parseDuration(const std::string& text, std::chrono::milliseconds& duration)
     return true;
 }
 
+// "65536", "64K", "8M": bytes from 4 KiB to 1 GiB.
+bool parseBytes(const std::string& text, long long& bytes)
+{
+    std::string number = text;
+    long long scale = 1;
+    if (!number.empty() && (number.back() == 'K' || number.back() == 'M')) {
+        scale = number.back() == 'K' ? 1024 : 1024 * 1024;
+        number.pop_back();
+    }
+    if (number.empty() || number.size() > 10 || number.find_first_not_of("0123456789") != std::string::npos)
+        return false;
+    bytes = std::stoll(number) * scale;
+    return bytes >= 4096 && bytes <= 1024LL * 1024 * 1024;
+}
+
 bool isUserName(const std::string& name)
 {
     return !name.empty() && name.find_first_of(":\r\n") == std::string::npos;
@@ -111,9 +126,9 @@ bool isLoopbackHost(const std::string& host)
 
 bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, std::string& error)
 {
-    static const char* const Valued[]
-        = {"--server", "--interval", "--server-timeout", "--web.listen-address", "--web.config.file",
-            "--web.operators", "--audit.file", "--web.max-streams", "--web.max-requests", "--log.level"};
+    static const char* const Valued[] = {"--server", "--interval", "--server-timeout", "--web.listen-address",
+        "--web.config.file", "--web.operators", "--audit.file", "--web.max-streams", "--web.stream-buffer",
+        "--web.max-requests", "--log.level"};
     for (std::size_t i = 0; i < args.size(); ++i) {
         CommandLineOption option = splitCommandLineOption(args[i]);
         const std::string& name = option.name;
@@ -165,6 +180,11 @@ bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, 
         } else if (name == "--web.max-streams") {
             if (!parseCount(value, options.maxStreams, 100000)) {
                 error = "not a number of streams from 1 to 100000: " + value;
+                return false;
+            }
+        } else if (name == "--web.stream-buffer") {
+            if (!parseBytes(value, options.streamBuffer)) {
+                error = "not a number of bytes from 4096 to 1073741824 (such as 65536, 64K or 8M): " + value;
                 return false;
             }
         } else if (name == "--web.max-requests") {
@@ -222,6 +242,10 @@ Options:
                           An action whose line cannot be written is refused.
   --web.max-streams N     event streams open at the same time (default 256);
                           more are answered 503
+  --web.stream-buffer BYTES
+                          how far a stream may fall behind (default 8M)
+                          before its waiting events are dropped and it gets
+                          one snapshot instead: 65536, 64K, 8M
   --web.max-requests N    other requests served at the same time (default
                           40); more are answered 503
   --log.level LEVEL       debug, info (the default), warn or error

@@ -21,6 +21,8 @@ struct WebOptions
     std::set<std::string> operators;
     std::string auditFile;
     int maxStreams = 256;
+    // Bytes of events a stream may fall behind before it is resynced.
+    long long streamBuffer = 8LL * 1024 * 1024;
     int maxRequests = 40;
     LogLevel logLevel = LogLevel::Info;
     bool help = false;

@@ -32,7 +32,7 @@ void publishAt(boost::asio::steady_timer& timer, std::chrono::steady_clock::time
 
 } // namespace
 
-int main(int argc, char** argv)
+int serve(int argc, char** argv)
 {
     const ServerOptions options(argc, argv, 1);
     alarm(options.lifetimeSeconds);
@@ -59,4 +59,14 @@ int main(int argc, char** argv)
     for (std::thread& other : others)
         other.join();
     return 0;
+}
+
+int main(int argc, char** argv)
+{
+    try {
+        return serve(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "beast: %s\n", error.what());
+        return 1;
+    }
 }

@@ -19,6 +19,7 @@
 #include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -57,8 +58,8 @@ constexpr std::size_t ConnectWindow = 16;
 
 [[noreturn]] void fail(const char* what)
 {
-    std::fprintf(stderr, "sse_load: %s: %s\n", what, std::strerror(errno));
-    std::exit(1);
+    std::fprintf(stderr, "sse_load: %s: %s\n", what, std::generic_category().message(errno).c_str());
+    std::exit(1); // NOLINT(concurrency-mt-unsafe): the load has one thread
 }
 
 Options parse(int argc, char** argv)
@@ -76,7 +77,7 @@ Options parse(int argc, char** argv)
         }
         if (i + 1 >= argc) {
             std::fprintf(stderr, "sse_load: %s wants a value\n", name.c_str());
-            std::exit(2);
+            std::exit(2); // NOLINT(concurrency-mt-unsafe): reading the command line, before any thread
         }
         const char* value = argv[++i];
         if (name == "--port")
@@ -93,7 +94,7 @@ Options parse(int argc, char** argv)
             options.graceSeconds = std::atoi(value);
         else {
             std::fprintf(stderr, "sse_load: unknown option %s\n", name.c_str());
-            std::exit(2);
+            std::exit(2); // NOLINT(concurrency-mt-unsafe): reading the command line, before any thread
         }
     }
     return options;
@@ -228,7 +229,7 @@ int main(int argc, char** argv)
             if (got == 1) {
                 ++slowBytes;
             } else if (got == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
-                slowEnd = got == 0 ? "closed by the server" : std::strerror(errno);
+                slowEnd = got == 0 ? "closed by the server" : std::generic_category().message(errno);
                 ::close(slow);
                 slow = -1;
             }
@@ -333,6 +334,6 @@ int main(int argc, char** argv)
         wall, closed, slowEnd.c_str(), static_cast<double>(server.peakResidentKiB()) / 1024.0,
         sortedP99.empty() ? NAN : sortedP99.front(),
         sortedP99.empty() ? NAN : sortedP99[sortedP99.size() / 2], sortedP99.empty() ? NAN : sortedP99.back(),
-        static_cast<unsigned long long>(first + worst));
+        static_cast<unsigned long long>(first) + worst);
     return latencies.size() == expected ? 0 : 3;
 }

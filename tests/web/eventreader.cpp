@@ -117,7 +117,7 @@ std::optional<EventReader::Event> EventReader::next(int timeoutMs)
                 const std::size_t lineEnd = block.find('\n', start);
                 const std::string line = block.substr(start, lineEnd - start);
                 start = lineEnd + 1;
-                if (line.rfind(":", 0) == 0)
+                if (line.rfind(':', 0) == 0)
                     continue;
                 comment = false;
                 if (line.rfind("event: ", 0) == 0)

@@ -73,6 +73,14 @@ INSTANTIATE_TEST_SUITE_P(Usage, WebProgramRefusal,
             "--help)\n"},
         Refusal {{"--web.max-streams", "0"}, 2,
             "korvane-web: not a number of streams from 1 to 100000: 0 (see korvane-web --help)\n"},
+        Refusal {{"--web.stream-buffer", "4095"}, 2,
+            "korvane-web: not a number of bytes from 4096 to 1073741824 (such as 65536, 64K or 8M): 4095 "
+            "(see "
+            "korvane-web --help)\n"},
+        Refusal {{"--web.stream-buffer", "2048M"}, 2,
+            "korvane-web: not a number of bytes from 4096 to 1073741824 (such as 65536, 64K or 8M): 2048M "
+            "(see "
+            "korvane-web --help)\n"},
         Refusal {{"--web.operators", "a,,b"}, 2,
             "korvane-web: not a list of user names: a,,b (see korvane-web --help)\n"},
         Refusal {{"--web.operators", "@/nonexistent/operators"}, 2,

@@ -351,3 +351,44 @@ TEST(WebStreams, SigtermWithAHundredStreamsOpenEndsItWithinTwoSeconds)
     for (auto& reader : readers)
         EXPECT_TRUE(reader->closedByPeer(1000));
 }
+
+TEST(WebStreams, ASlowStreamIsResyncedByASnapshotAndTheOthersMissNothing)
+{
+    SimProcess sim({"--seed", "1", "--batches", "3000", "--nodes", "600", "--speed", "20"});
+    WebProcess web(webOptions(sim.port(), {"--interval", "0.2", "--web.stream-buffer", "64K"}));
+    waitForBatches(web, 3000);
+    // Its socket takes a few kilobytes; nothing is read from it for a while.
+    EventReader slow(web.port(), "/api/v1/events", {}, 4096);
+    ASSERT_EQ(slow.status(), 200);
+    EventReader fast(web.port(), "/api/v1/events");
+    const std::optional<EventReader::Event> first = fast.next();
+    ASSERT_TRUE(first);
+    ASSERT_EQ(first->name, "snapshot");
+    const std::uint64_t start = std::stoull(first->id);
+    // Every event reaches the fast stream, one number after the other, while
+    // the slow one falls behind by far more than its 64 KiB and the system's
+    // send buffer.
+    std::uint64_t last = start;
+    while (last < start + 40) {
+        const std::optional<EventReader::Event> event = fast.next();
+        ASSERT_TRUE(event);
+        EXPECT_EQ(event->name, "delta");
+        EXPECT_EQ(std::stoull(event->id), last + 1);
+        last = std::stoull(event->id);
+    }
+    // Now it reads: after what was already on its way, a snapshot of the
+    // present state comes instead of the deltas it missed.
+    std::optional<EventReader::Event> event = slow.next();
+    ASSERT_TRUE(event);
+    EXPECT_EQ(event->name, "snapshot");
+    std::uint64_t resumed = 0;
+    for (int i = 0; i < 100 && !resumed; ++i) {
+        event = slow.next();
+        ASSERT_TRUE(event);
+        if (event->name == "snapshot")
+            resumed = std::stoull(event->id);
+    }
+    EXPECT_GT(resumed, start + 2);
+    const std::string metrics = web.client().Get("/metrics")->body;
+    EXPECT_EQ(metrics.find("\nkorvane_web_stream_resyncs_total 0\n"), std::string::npos) << metrics;
+}
