@@ -31,8 +31,9 @@ packages=(
     xvfb xauth x11-apps x11-utils imagemagick locales tzdata lldb
     fonts-noto-cjk
     libcpp-httplib-dev prometheus systemd
-    # the web monitor's event-driven HTTP server: Boost.Beast and Asio (headers only)
-    libboost-dev
+    # the web monitor's event-driven HTTP server: Boost.Beast and Asio (headers
+    # only), and the browser its tests drive through Playwright
+    libboost-dev chromium
     # network namespaces, veth pairs and tc for the network fault tests
     iproute2
     # kill(1), for the web monitor's reload in the unit tests
