@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "childprocess.h"
+#include "eventreader.h"
 #include "faultylink.h"
 #include "simprocess.h"
 #include "testpaths.h"
@@ -291,4 +292,59 @@ TEST_F(NetworkFaults, AKilledServerIsDownAtOnceAndReadAgainAfterItsRestart)
     EXPECT_TRUE(back.up());
     EXPECT_LT(Clock::now() - restarted, 5s);
     report("restart: exporter reads korvane_up 1 again", Clock::now() - restarted);
+}
+
+TEST_F(NetworkFaults, ASilentPartitionIsAnEventForEveryWebStreamAndACommandIsRefusedWithItsReason)
+{
+    auto sim = startSim({"--speed", "0"});
+    ChildProcess web(program("KORVANE_WEB", KORVANE_WEB_PROGRAM),
+        {"--server", server(), "--web.listen-address", "127.0.0.1:0", "--interval", "1"});
+    const int port = web.listeningPort();
+    ASSERT_GT(port, 0);
+    EventReader stream(port, "/api/v1/events");
+    // The first reading may come after the stream's snapshot.
+    std::optional<EventReader::Event> event = stream.next();
+    ASSERT_TRUE(event);
+    while (event && event->data.find("\"state\":\"connected\"") == std::string::npos)
+        event = stream.next();
+    ASSERT_TRUE(event);
+
+    m_link.partition();
+    const auto cut = Clock::now();
+    do
+        event = stream.next(40000);
+    while (event && event->name != "farm");
+    ASSERT_TRUE(event);
+    const auto noticed = Clock::now() - cut;
+    EXPECT_NE(event->data.find("\"state\":\"disconnected\""), std::string::npos) << event->data;
+    EXPECT_NE(event->data.find("\"reason\":\"no reply from " + server() + " to list"), std::string::npos)
+        << event->data;
+    EXPECT_LT(noticed, 40s);
+    report("partition: korvane-web streams told \"disconnected\"", noticed);
+
+    // A command during the partition: refused in bounded time, with the reason, and audited.
+    httplib::Client client("127.0.0.1", port);
+    client.set_read_timeout(30, 0);
+    const auto sent = Clock::now();
+    const httplib::Result refused = client.Post("/api/v1/batches/4/pause", "{}", "application/json");
+    ASSERT_TRUE(refused);
+    EXPECT_TRUE(refused->status == 503 || refused->status == 504) << refused->status << " " << refused->body;
+    EXPECT_NE(refused->body.find(server()), std::string::npos) << refused->body;
+    EXPECT_LT(Clock::now() - sent, 11s);
+    report("partition: korvane-web refuses a command", Clock::now() - sent);
+
+    m_link.heal();
+    const auto healed = Clock::now();
+    do
+        event = stream.next(40000);
+    while (
+        event && (event->name != "farm" || event->data.find("\"state\":\"connected\"") == std::string::npos));
+    ASSERT_TRUE(event);
+    EXPECT_LT(Clock::now() - healed, 30s);
+    report("heal: korvane-web streams told \"connected\"", Clock::now() - healed);
+    web.signal(SIGTERM);
+    EXPECT_EQ(web.wait(), 0);
+    EXPECT_NE(web.err().find("korvane-web: audit {\"action\":\"pause\",\"ids\":[4],\"reason\":\""),
+        std::string::npos)
+        << web.err();
 }
