@@ -30,8 +30,7 @@ std::string ExporterOptions::serverAddress() const
 bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions& options, std::string& error)
 {
     static const char* const Valued[]
-        = {"--server", "--listen", "--web.listen-address", "--server-timeout", "--web.telemetry-path",
-            "--web.config.file", "--web.max-requests", "--log.level", "--collect.batches"};
+        = {"--server", "--listen", "--server-timeout", "--web.telemetry-path", "--collect.batches"};
     for (std::size_t i = 0; i < args.size(); ++i) {
         CommandLineOption option = splitCommandLineOption(args[i]);
         const std::string& name = option.name;
@@ -47,7 +46,7 @@ bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions&
             options.collectBatches = CollectMode::All;
             continue;
         }
-        bool known = false;
+        bool known = isWebFlag(name);
         for (const char* valued : Valued)
             known = known || name == valued;
         if (!known) {
@@ -63,13 +62,9 @@ bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions&
                 return false;
             }
             options.server = value;
-        } else if (name == "--listen" || name == "--web.listen-address") {
-            ListenAddress address;
-            if (!parseListenAddress(value, address.host, address.port)) {
-                error = badListenAddress(value);
+        } else if (isWebFlag(name) || name == "--listen") {
+            if (!parseWebFlag(name == "--listen" ? "--web.listen-address" : name, value, options, error))
                 return false;
-            }
-            options.listen.push_back(address);
         } else if (name == "--server-timeout") {
             if (!parseNumber(value, options.serverTimeoutSeconds)) {
                 error = "not a number of seconds: " + value;
@@ -81,22 +76,6 @@ bool parseExporterOptions(const std::vector<std::string>& args, ExporterOptions&
                 return false;
             }
             options.telemetryPath = value;
-        } else if (name == "--web.config.file") {
-            if (value.empty()) {
-                error = "--web.config.file needs a file name";
-                return false;
-            }
-            options.webConfigFile = value;
-        } else if (name == "--web.max-requests") {
-            if (!parseNumber(value, options.maxRequests)) {
-                error = "not a number of requests from 1 to 9999: " + value;
-                return false;
-            }
-        } else if (name == "--log.level") {
-            if (!parseLogLevel(value, options.logLevel)) {
-                error = "not debug, info, warn or error: " + value;
-                return false;
-            }
         } else if (!parseCollectMode(value, options.collectBatches)) {
             error = "not unfinished, working, all or none: " + value;
             return false;

@@ -4,20 +4,15 @@
 #include <vector>
 
 #include "collectmode.h"
-#include "listenaddress.h"
-#include "loglevel.h"
+#include "webflags.h"
 
-struct ExporterOptions
+// listen: the default 127.0.0.1:10084 when none is given.
+struct ExporterOptions : WebFlags
 {
     // Given to ControlClient::connect as it is: a ":PORT" overrides the
     // default port.
     std::string server = "127.0.0.1";
-    // The default 127.0.0.1:10084 when none is given.
-    std::vector<ListenAddress> listen;
     std::string telemetryPath = "/metrics";
-    std::string webConfigFile;
-    int maxRequests = 40;
-    LogLevel logLevel = LogLevel::Info;
     CollectMode collectBatches = CollectMode::Unfinished;
     int serverTimeoutSeconds = 5;
     bool help = false;

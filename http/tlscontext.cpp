@@ -107,3 +107,8 @@ bool checkTlsFiles(const WebConfig& config, const std::string& configFile, std::
     SSL_CTX_free(context);
     return ok;
 }
+
+bool loadWebConfig(const std::string& file, WebConfig& config, std::string& error)
+{
+    return readWebConfig(file, config, error) && (!config.tls || checkTlsFiles(config, file, error));
+}

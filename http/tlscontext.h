@@ -15,3 +15,7 @@ bool setUpTlsContext(
 // Whether the files of the configuration load: the same set-up on a context
 // of its own, made and freed here, so that a bad file is refused at the start.
 bool checkTlsFiles(const WebConfig& config, const std::string& configFile, std::string& error);
+
+// A program's --web.config.file at its start: read, checked, and with TLS
+// in it, its certificate and key loaded once. False with the reason.
+bool loadWebConfig(const std::string& file, WebConfig& config, std::string& error);

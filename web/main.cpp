@@ -51,9 +51,7 @@ int main(int argc, char** argv)
     WebServer::Settings http;
     http.maxRequests = options.maxRequests;
     http.webConfigFile = options.webConfigFile;
-    if (!options.webConfigFile.empty()
-        && (!readWebConfig(options.webConfigFile, http.web, error)
-            || (http.web.tls && !checkTlsFiles(http.web, options.webConfigFile, error)))) {
+    if (!options.webConfigFile.empty() && !loadWebConfig(options.webConfigFile, http.web, error)) {
         std::cerr << Prefix << error << std::endl;
         return ExitUsage;
     }

@@ -183,14 +183,14 @@ void WebApi::handle(const ApiRequest& request, Reply reply)
         return reply(*refusal);
     const std::vector<std::string> parts = pathParts(request.path);
     if (request.method == "GET" || request.method == "HEAD")
-        return get(request, identity, parts, std::move(reply));
+        return get(request, identity, parts, reply);
     if (request.method == "POST")
-        return post(request, identity, parts, std::move(reply));
+        return post(request, identity, parts, reply);
     reply(problemResponse(Problem::MethodNotAllowed, request.method + " " + request.path));
 }
 
 void WebApi::get(const ApiRequest& request, const Access::Identity& identity,
-    const std::vector<std::string>& parts, Reply reply)
+    const std::vector<std::string>& parts, const Reply& reply)
 {
     if (parts.size() == 1 && parts[0] == "snapshot") {
         ApiResponse response;
@@ -248,7 +248,7 @@ void WebApi::batchStatus(std::uint32_t id, const Reply& reply)
 }
 
 void WebApi::post(const ApiRequest& request, const Access::Identity& identity,
-    const std::vector<std::string>& parts, Reply reply)
+    const std::vector<std::string>& parts, const Reply& reply)
 {
     const bool known
         = (parts.size() == 2 || parts.size() == 3) && (parts[0] == "batches" || parts[0] == "nodes");

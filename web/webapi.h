@@ -72,9 +72,9 @@ private:
     };
 
     void get(const ApiRequest& request, const Access::Identity& identity,
-        const std::vector<std::string>& parts, Reply reply);
+        const std::vector<std::string>& parts, const Reply& reply);
     void post(const ApiRequest& request, const Access::Identity& identity,
-        const std::vector<std::string>& parts, Reply reply);
+        const std::vector<std::string>& parts, const Reply& reply);
     void batchStatus(std::uint32_t id, const Reply& reply);
     // The target, the action and a single id from the path, or the refusal.
     std::variant<Action, ApiResponse> readPath(const std::vector<std::string>& parts);

@@ -126,9 +126,8 @@ bool isLoopbackHost(const std::string& host)
 
 bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, std::string& error)
 {
-    static const char* const Valued[] = {"--server", "--interval", "--server-timeout", "--web.listen-address",
-        "--web.config.file", "--web.operators", "--audit.file", "--web.max-streams", "--web.stream-buffer",
-        "--web.max-requests", "--log.level"};
+    static const char* const Valued[] = {"--server", "--interval", "--server-timeout", "--web.operators",
+        "--audit.file", "--web.max-streams", "--web.stream-buffer"};
     for (std::size_t i = 0; i < args.size(); ++i) {
         CommandLineOption option = splitCommandLineOption(args[i]);
         const std::string& name = option.name;
@@ -140,7 +139,7 @@ bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, 
             options.version = true;
             return true;
         }
-        bool known = false;
+        bool known = isWebFlag(name);
         for (const char* valued : Valued)
             known = known || name == valued;
         if (!known) {
@@ -161,19 +160,15 @@ bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, 
                 error = "not a time from 0.1 to 3600 seconds (such as 1, 0.5 or 250ms): " + value;
                 return false;
             }
-        } else if (name == "--web.listen-address") {
-            ListenAddress address;
-            if (!parseListenAddress(value, address.host, address.port)) {
-                error = badListenAddress(value);
+        } else if (isWebFlag(name)) {
+            if (!parseWebFlag(name, value, options, error))
                 return false;
-            }
-            options.listen.push_back(address);
-        } else if (name == "--web.config.file" || name == "--audit.file") {
+        } else if (name == "--audit.file") {
             if (value.empty()) {
-                error = name + " needs a file name";
+                error = "--audit.file needs a file name";
                 return false;
             }
-            (name == "--audit.file" ? options.auditFile : options.webConfigFile) = value;
+            options.auditFile = value;
         } else if (name == "--web.operators") {
             if (!addOperators(value, options.operators, error))
                 return false;
@@ -187,14 +182,6 @@ bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, 
                 error = "not a number of bytes from 4096 to 1073741824 (such as 65536, 64K or 8M): " + value;
                 return false;
             }
-        } else if (name == "--web.max-requests") {
-            if (!parseCount(value, options.maxRequests, 9999)) {
-                error = "not a number of requests from 1 to 9999: " + value;
-                return false;
-            }
-        } else if (!parseLogLevel(value, options.logLevel)) {
-            error = "not debug, info, warn or error: " + value;
-            return false;
         }
     }
     if (options.listen.empty())

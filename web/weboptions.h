@@ -5,26 +5,21 @@
 #include <string>
 #include <vector>
 
-#include "listenaddress.h"
-#include "loglevel.h"
+#include "webflags.h"
 
-struct WebOptions
+// listen: the default 127.0.0.1:10085 when none is given.
+struct WebOptions : WebFlags
 {
     // Given to ControlClient::connect as it is: a ":PORT" overrides the
     // default port.
     std::string server = "127.0.0.1";
     std::chrono::milliseconds interval {1000};
     std::chrono::milliseconds serverTimeout {5000};
-    // The default 127.0.0.1:10085 when none is given.
-    std::vector<ListenAddress> listen;
-    std::string webConfigFile;
     std::set<std::string> operators;
     std::string auditFile;
     int maxStreams = 256;
     // Bytes of events a stream may fall behind before it is resynced.
     long long streamBuffer = 8LL * 1024 * 1024;
-    int maxRequests = 40;
-    LogLevel logLevel = LogLevel::Info;
     bool help = false;
     bool version = false;
 };

@@ -1,9 +1,8 @@
 #include <regex>
 
-#include <json/reader.h>
-
 #include <gtest/gtest.h>
 
+#include "jsontext.h"
 #include "simprocess.h"
 #include "tempdirectory.h"
 #include "testpaths.h"
@@ -60,16 +59,6 @@ protected:
 SimProcess* WebApiTest::s_sim = nullptr;
 WebProcess* WebApiTest::s_web = nullptr;
 
-Json::Value parsed(const std::string& text)
-{
-    Json::Value value;
-    std::istringstream in(text);
-    Json::CharReaderBuilder builder;
-    std::string errors;
-    Json::parseFromStream(builder, in, &value, &errors);
-    return value;
-}
-
 std::string ids(int count)
 {
     std::string list = "{\"ids\":[";
@@ -112,7 +101,7 @@ TEST_P(WebApiTest, StatusProblemTypeAndDetail)
     EXPECT_EQ(response.status, call.status) << response.body;
     if (call.status >= 400) {
         EXPECT_EQ(response.get_header_value("Content-Type"), "application/problem+json");
-        const Json::Value problem = parsed(response.body);
+        const Json::Value problem = jsonFromText(response.body);
         EXPECT_EQ(problem["type"].asString(), "urn:korvane-web:problem:" + call.type) << response.body;
         EXPECT_EQ(problem["status"].asInt(), call.status);
         std::string detail = call.detail;
@@ -217,7 +206,8 @@ INSTANTIATE_TEST_SUITE_P(BadInput, WebApiTest, ::testing::ValuesIn(BadInput));
 // {id} or {action} stands for any one path segment.
 TEST(WebApiDescription, EveryOperationIsExercised)
 {
-    const Json::Value description = parsed(readFile(std::string(KORVANE_WEB_SOURCE_DIR) + "/openapi.json"));
+    const Json::Value description
+        = jsonFromText(readFile(std::string(KORVANE_WEB_SOURCE_DIR) + "/openapi.json"));
     ASSERT_TRUE(description.isObject());
     int operations = 0;
     for (const std::string& path : description["paths"].getMemberNames()) {

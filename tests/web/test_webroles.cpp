@@ -2,10 +2,9 @@
 #include <regex>
 #include <thread>
 
-#include <json/reader.h>
-
 #include <gtest/gtest.h>
 
+#include "jsontext.h"
 #include "passwords.h"
 #include "simprocess.h"
 #include "tempdirectory.h"
@@ -16,16 +15,6 @@ using namespace std::chrono_literals;
 // Roles, same-origin state changes and the audit trail of korvane-web, with
 // basic-auth users from a web configuration file, against the simulator.
 namespace {
-
-Json::Value parsed(const std::string& text)
-{
-    Json::Value value;
-    std::istringstream in(text);
-    Json::CharReaderBuilder builder;
-    std::string errors;
-    Json::parseFromStream(builder, in, &value, &errors);
-    return value;
-}
 
 // The audit file's lines, each with its time checked and replaced by "T".
 std::vector<std::string> auditLines(const std::string& file)
@@ -76,7 +65,7 @@ protected:
         const httplib::Result result = client.Get("/api/v1/snapshot");
         if (!result)
             return {};
-        const Json::Value snapshot = parsed(result->body);
+        const Json::Value snapshot = jsonFromText(result->body);
         for (const Json::Value& batch : snapshot["batches"]) {
             if (batch["batch_id"].asUInt() == id)
                 return batch["status"].asString();
@@ -107,12 +96,13 @@ TEST_F(WebRolesTest, EveryRequestAsksForAUser)
         EXPECT_EQ(none->status, 401) << path;
         EXPECT_EQ(
             none->get_header_value("WWW-Authenticate"), "Basic realm=\"korvane-web\", charset=\"UTF-8\"");
-        EXPECT_EQ(parsed(none->body)["detail"].asString(), "this server asks for a user name and password");
+        EXPECT_EQ(
+            jsonFromText(none->body)["detail"].asString(), "this server asks for a user name and password");
     }
     client.set_basic_auth("alice", "wrong");
     const httplib::Result wrong = client.Get("/api/v1/whoami");
     EXPECT_EQ(wrong->status, 401);
-    EXPECT_EQ(parsed(wrong->body)["detail"].asString(), "the user name or the password is wrong");
+    EXPECT_EQ(jsonFromText(wrong->body)["detail"].asString(), "the user name or the password is wrong");
 
     client.set_basic_auth("alice", "secret");
     EXPECT_EQ(client.Get("/api/v1/whoami")->body, R"({"role":"operator","user":"alice"})");
@@ -132,8 +122,8 @@ TEST_F(WebRolesTest, AViewerIsRefusedOnEveryActionAndEachRefusalIsAudited)
         const httplib::Result refused = as("victor", path, body);
         ASSERT_TRUE(refused);
         EXPECT_EQ(refused->status, 403) << path;
-        EXPECT_EQ(parsed(refused->body)["type"].asString(), "urn:korvane-web:problem:forbidden");
-        EXPECT_EQ(parsed(refused->body)["detail"].asString(), "victor is a viewer");
+        EXPECT_EQ(jsonFromText(refused->body)["type"].asString(), "urn:korvane-web:problem:forbidden");
+        EXPECT_EQ(jsonFromText(refused->body)["detail"].asString(), "victor is a viewer");
     }
     const std::string line = R"(,"reason":"victor is a viewer","remote":"127.0.0.1","result":"forbidden",)";
     EXPECT_EQ(auditLines(m_dir.path("audit.log")),
@@ -184,7 +174,7 @@ TEST_F(WebRolesTest, AnotherSitesPostAndAFormPostChangeNothing)
     const httplib::Result crossSite
         = as("alice", "/api/v1/batches/4/pause", "{}", {{"Origin", "https://evil.example"}});
     EXPECT_EQ(crossSite->status, 403);
-    EXPECT_EQ(parsed(crossSite->body)["type"].asString(), "urn:korvane-web:problem:cross-origin");
+    EXPECT_EQ(jsonFromText(crossSite->body)["type"].asString(), "urn:korvane-web:problem:cross-origin");
     httplib::Client client = m_web->client();
     client.set_basic_auth("alice", "secret");
     const httplib::Result form = client.Post("/api/v1/batches/4/pause",
@@ -230,8 +220,8 @@ TEST_F(WebRolesTest, AnActionWhoseLineCannotBeWrittenIsRefused)
     const httplib::Result refused = as("alice", "/api/v1/batches/4/pause");
     ASSERT_TRUE(refused);
     EXPECT_EQ(refused->status, 503);
-    EXPECT_EQ(parsed(refused->body)["type"].asString(), "urn:korvane-web:problem:audit-unavailable");
-    EXPECT_EQ(parsed(refused->body)["detail"].asString(),
+    EXPECT_EQ(jsonFromText(refused->body)["type"].asString(), "urn:korvane-web:problem:audit-unavailable");
+    EXPECT_EQ(jsonFromText(refused->body)["detail"].asString(),
         "cannot open the audit file " + m_dir.path("audit.log") + ": Is a directory");
     EXPECT_EQ(settledStatus(4), "pending");
 }

@@ -1,11 +1,10 @@
 #include <csignal>
 #include <thread>
 
-#include <json/reader.h>
-
 #include <gtest/gtest.h>
 
 #include "eventreader.h"
+#include "jsontext.h"
 #include "scriptedserver.h"
 #include "simprocess.h"
 #include "webprocess.h"
@@ -17,23 +16,13 @@ using namespace std::chrono_literals;
 // whatever the number of streams.
 namespace {
 
-Json::Value parsed(const std::string& text)
-{
-    Json::Value value;
-    std::istringstream in(text);
-    Json::CharReaderBuilder builder;
-    std::string errors;
-    Json::parseFromStream(builder, in, &value, &errors);
-    return value;
-}
-
 // A client's copy of the state, kept by snapshots and deltas.
 class StateCopy final
 {
 public:
     void apply(const EventReader::Event& event)
     {
-        const Json::Value data = parsed(event.data);
+        const Json::Value data = jsonFromText(event.data);
         if (event.name == "snapshot") {
             m_seq = data["seq"].asUInt64();
             m_farm = data["farm"];
@@ -114,7 +103,7 @@ std::optional<EventReader::Event> nextNamed(EventReader& reader, const std::stri
 std::uint64_t currentSeq(const WebProcess& web)
 {
     const httplib::Result result = web.client().Get("/api/v1/snapshot");
-    return result ? parsed(result->body)["seq"].asUInt64() : 0;
+    return result ? jsonFromText(result->body)["seq"].asUInt64() : 0;
 }
 
 // Waits for the program's first reading of a farm of this many batches.
@@ -147,15 +136,15 @@ TEST(WebStreams, AStreamStartsWithASnapshotThenDeltasNumberedOneByOne)
     EXPECT_EQ(snapshot->name, "snapshot");
     StateCopy copy;
     copy.apply(*snapshot);
-    EXPECT_EQ(parsed(snapshot->data)["seq"].asString(), snapshot->id);
-    EXPECT_EQ(parsed(snapshot->data)["farm"]["state"].asString(), "connected");
+    EXPECT_EQ(jsonFromText(snapshot->data)["seq"].asString(), snapshot->id);
+    EXPECT_EQ(jsonFromText(snapshot->data)["farm"]["state"].asString(), "connected");
     std::uint64_t last = std::stoull(snapshot->id);
     for (int i = 0; i < 5; ++i) {
         const std::optional<EventReader::Event> delta = reader.next();
         ASSERT_TRUE(delta);
         EXPECT_EQ(delta->name, "delta");
         EXPECT_EQ(std::stoull(delta->id), last + 1);
-        EXPECT_EQ(parsed(delta->data)["seq"].asString(), delta->id);
+        EXPECT_EQ(jsonFromText(delta->data)["seq"].asString(), delta->id);
         last = std::stoull(delta->id);
     }
 }
@@ -194,7 +183,7 @@ TEST(WebStreams, ResumingInsideTheRingGetsDeltasOnlyAndTheCopyEqualsTheSnapshot)
         copy.apply(*delta);
     }
     EXPECT_EQ(copy.document().toStyledString(),
-        parsed(web.client().Get("/api/v1/snapshot")->body).toStyledString());
+        jsonFromText(web.client().Get("/api/v1/snapshot")->body).toStyledString());
     EXPECT_EQ(copy.document()["batches"][3]["status"].asString(), "paused");
 }
 
@@ -233,7 +222,7 @@ TEST(WebStreams, ALostServerIsAnEventForEveryStreamAndSoIsItsReturn)
     for (auto& reader : readers) {
         const std::optional<EventReader::Event> lost = nextNamed(*reader, "farm", 10000);
         ASSERT_TRUE(lost);
-        const Json::Value farm = parsed(lost->data);
+        const Json::Value farm = jsonFromText(lost->data);
         EXPECT_EQ(farm["state"].asString(), "disconnected");
         const std::string address = "127.0.0.1:" + std::to_string(simPort);
         EXPECT_TRUE(farm["reason"].asString() == "cannot connect to " + address + "; next attempt in 1 s"
@@ -248,8 +237,8 @@ TEST(WebStreams, ALostServerIsAnEventForEveryStreamAndSoIsItsReturn)
     const httplib::Result during = web.post("/api/v1/batches/4/pause");
     ASSERT_TRUE(during);
     EXPECT_EQ(during->status, 503);
-    EXPECT_EQ(parsed(during->body)["type"].asString(), "urn:korvane-web:problem:server-unreachable");
-    EXPECT_EQ(parsed(during->body)["detail"].asString().rfind("cannot connect to 127.0.0.1:", 0), 0u)
+    EXPECT_EQ(jsonFromText(during->body)["type"].asString(), "urn:korvane-web:problem:server-unreachable");
+    EXPECT_EQ(jsonFromText(during->body)["detail"].asString().rfind("cannot connect to 127.0.0.1:", 0), 0u)
         << during->body;
     EXPECT_NE(web.process().err().find(R"(korvane-web: audit {"action":"pause","ids":[4],"reason":"cannot )"),
         std::string::npos)
@@ -261,10 +250,10 @@ TEST(WebStreams, ALostServerIsAnEventForEveryStreamAndSoIsItsReturn)
     for (auto& reader : readers) {
         std::optional<EventReader::Event> found = nextNamed(*reader, "farm", 20000);
         // Each failed attempt that changes the reason is an event of its own.
-        while (found && parsed(found->data)["state"].asString() == "disconnected")
+        while (found && jsonFromText(found->data)["state"].asString() == "disconnected")
             found = nextNamed(*reader, "farm", 20000);
         ASSERT_TRUE(found);
-        EXPECT_EQ(parsed(found->data)["state"].asString(), "connected") << found->data;
+        EXPECT_EQ(jsonFromText(found->data)["state"].asString(), "connected") << found->data;
     }
 }
 
@@ -282,10 +271,11 @@ TEST(WebStreams, AMemberOfTheWrongTypeIsNamedAndReportedAsAFailedReading)
     std::optional<EventReader::Event> event = reader.next();
     ASSERT_TRUE(event);
     // The first reading may come before or after the stream.
-    if (event->name == "snapshot" && parsed(event->data)["farm"]["reason"].asString() == "not read yet")
+    if (event->name == "snapshot" && jsonFromText(event->data)["farm"]["reason"].asString() == "not read yet")
         event = nextNamed(reader, "farm", 10000);
     ASSERT_TRUE(event);
-    const Json::Value farm = event->name == "farm" ? parsed(event->data) : parsed(event->data)["farm"];
+    const Json::Value farm
+        = event->name == "farm" ? jsonFromText(event->data) : jsonFromText(event->data)["farm"];
     EXPECT_EQ(farm["state"].asString(), "disconnected");
     const std::string reason = "listBatches reply: result[0].priority has the wrong type (";
     EXPECT_EQ(farm["reason"].asString().rfind(reason, 0), 0u) << farm["reason"].asString();
