@@ -1,5 +1,7 @@
 #include "farmstate.h"
 
+#include "eventframe.h"
+
 bool FarmStatus::operator==(const FarmStatus& other) const
 {
     return connected == other.connected && since == other.since && reason == other.reason
@@ -18,12 +20,32 @@ Json::Value farmStatusJson(const FarmStatus& status)
     return object;
 }
 
-Json::Value snapshotDocument(const FarmState& state)
+namespace {
+
+template <class Rows, class Row>
+void appendRows(std::string& text, const Rows& rows, Row row)
 {
-    Json::Value document(Json::objectValue);
-    document["seq"] = Json::UInt64(state.seq);
-    document["farm"] = farmStatusJson(state.farm);
-    document["batches"] = rowArray(*state.batches);
-    document["nodes"] = rowArray(*state.nodes);
-    return document;
+    text += '[';
+    for (const auto& record : rows) {
+        if (text.back() != '[')
+            text += ',';
+        text += compactJson(row(record));
+    }
+    text += ']';
+}
+
+} // namespace
+
+std::string snapshotText(const FarmState& state)
+{
+    std::string text = "{\"batches\":";
+    appendRows(text, *state.batches, batchRow);
+    text += ",\"farm\":";
+    text += compactJson(farmStatusJson(state.farm));
+    text += ",\"nodes\":";
+    appendRows(text, *state.nodes, nodeRow);
+    text += ",\"seq\":";
+    text += std::to_string(state.seq);
+    text += '}';
+    return text;
 }

@@ -36,5 +36,7 @@ struct FarmState
 // {"state": "disconnected", "since": T, "reason": "...", "next_try": T2}
 Json::Value farmStatusJson(const FarmStatus& status);
 
-// {"seq": N, "farm": {...}, "batches": [...], "nodes": [...]}
-Json::Value snapshotDocument(const FarmState& state);
+// {"batches": [...], "farm": {...}, "nodes": [...], "seq": N} as compact
+// JSON, its members in jsoncpp's order; written row by row, so that no tree
+// of every row is ever built.
+std::string snapshotText(const FarmState& state);

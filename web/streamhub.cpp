@@ -12,7 +12,9 @@ void StreamHub::publish(FarmState state, const EventFrame& event)
     std::vector<Wake> wakes;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        m_state = std::move(state);
+        // The old state (the last reference to its rows, often) and the old
+        // snapshot go once the lock is released: freeing them takes a while.
+        std::swap(m_state, state);
         m_ring.push(m_state.seq, event);
         // Statuses of batches the farm no longer has are not kept.
         for (auto it = m_batchEvents.begin(); it != m_batchEvents.end();)
@@ -102,7 +104,6 @@ bool StreamHub::take(StreamId id, std::vector<EventFrame>& frames)
     Stream& stream = found->second;
     if (stream.resync) {
         stream.resync = false;
-        ++m_counters.resyncs;
         frames.push_back(snapshotFrameLocked());
         if (stream.followedBatch) {
             const auto last = m_batchEvents.find(*stream.followedBatch);
@@ -133,11 +134,16 @@ void StreamHub::shutDown()
         wake();
 }
 
-std::shared_ptr<const std::string> StreamHub::snapshotJson()
+std::string StreamHub::snapshotJson()
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    snapshotFrameLocked();
-    return m_snapshotJson;
+    EventFrame frame;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        frame = snapshotFrameLocked();
+    }
+    // The frame's data line, without "event: ...\nid: ...\ndata: " and its end.
+    const std::size_t data = frame->find("\ndata: ") + 7;
+    return frame->substr(data, frame->size() - data - 2);
 }
 
 FarmState StreamHub::state() const
@@ -184,6 +190,7 @@ void StreamHub::push(Stream& stream, const EventFrame& frame)
         stream.queue.clear();
         stream.queuedBytes = 0;
         stream.resync = true;
+        ++m_counters.resyncs;
         return;
     }
     stream.queue.push_back(frame);
@@ -193,9 +200,7 @@ void StreamHub::push(Stream& stream, const EventFrame& frame)
 EventFrame StreamHub::snapshotFrameLocked()
 {
     if (!m_snapshotFrame || m_snapshotSeq != m_state.seq) {
-        const Json::Value document = snapshotDocument(m_state);
-        m_snapshotJson = std::make_shared<const std::string>(compactJson(document));
-        m_snapshotFrame = makeEventFrame("snapshot", m_state.seq, *m_snapshotJson);
+        m_snapshotFrame = makeEventFrame("snapshot", m_state.seq, snapshotText(m_state));
         m_snapshotSeq = m_state.seq;
     }
     return m_snapshotFrame;

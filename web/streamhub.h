@@ -71,7 +71,7 @@ public:
     void shutDown();
 
     // The state as one document, for GET /api/v1/snapshot; encoded once per state.
-    std::shared_ptr<const std::string> snapshotJson();
+    std::string snapshotJson();
     FarmState state() const;
     std::uint64_t seq() const;
     FarmStatus farm() const;
@@ -105,7 +105,6 @@ private:
     bool m_shutDown = false;
     // Encoded on demand, for the state of m_snapshotSeq.
     std::uint64_t m_snapshotSeq = 0;
-    std::shared_ptr<const std::string> m_snapshotJson;
     EventFrame m_snapshotFrame;
     Counters m_counters;
 };

@@ -194,7 +194,7 @@ void WebApi::get(const ApiRequest& request, const Access::Identity& identity,
 {
     if (parts.size() == 1 && parts[0] == "snapshot") {
         ApiResponse response;
-        response.body = *m_hub.snapshotJson();
+        response.body = m_hub.snapshotJson();
         return reply(response);
     }
     if (parts.size() == 1 && parts[0] == "whoami") {
