@@ -80,11 +80,11 @@ TEST(StreamHub, SlowStreamLosesItsQueueAndGetsOneSnapshotTheOthersAreUntouched)
     const auto slow = hub.open(100, std::nullopt, [] {});
     const auto fast = hub.open(100, std::nullopt, [] {});
     for (std::uint64_t seq = 101; seq <= 110; ++seq) {
-        hub.publish(stateAt(seq), delta(seq, 20)); // 48 bytes each
+        hub.publish(stateAt(seq), delta(seq, 20)); // 51 bytes each
         EXPECT_EQ(taken(hub, *fast), *delta(seq, 20));
-        // The slow one takes nothing: its queue is dropped at the third delta
+        // The slow one takes nothing: its queue is dropped at the second delta
         // and counted then, even if its writer never takes again.
-        EXPECT_EQ(hub.counters().resyncs, seq < 103 ? 0u : 1u) << seq;
+        EXPECT_EQ(hub.counters().resyncs, seq < 102 ? 0u : 1u) << seq;
     }
     const std::string resync = taken(hub, *slow);
     EXPECT_EQ(resync.rfind("event: snapshot\nid: 110\n", 0), 0u) << resync;
