@@ -1,6 +1,6 @@
 #include "streamhub.h"
 
-StreamHub::StreamHub(Limits limits, FarmState initial)
+StreamHub::StreamHub(const Limits& limits, FarmState initial)
     : m_limits(limits)
     , m_state(std::move(initial))
     , m_ring(limits.ringEvents)

@@ -45,7 +45,7 @@ public:
     // or is to close. Must not block.
     using Wake = std::function<void()>;
 
-    StreamHub(Limits limits, FarmState initial);
+    StreamHub(const Limits& limits, FarmState initial);
     StreamHub(const StreamHub&) = delete;
     StreamHub& operator=(const StreamHub&) = delete;
 

@@ -163,7 +163,7 @@ std::variant<WebApi::Stream, ApiResponse> WebApi::startStream(const ApiRequest& 
     return stream;
 }
 
-void WebApi::handle(const ApiRequest& request, Reply reply)
+void WebApi::handle(const ApiRequest& request, const Reply& reply)
 {
     if (request.path == "/metrics") {
         Access::Identity identity;

@@ -52,7 +52,7 @@ public:
     WebApi& operator=(const WebApi&) = delete;
 
     // Every request but the event stream's; reply is called exactly once.
-    void handle(const ApiRequest& request, Reply reply);
+    void handle(const ApiRequest& request, const Reply& reply);
     // GET /api/v1/events: what the stream is to start from, or the refusal.
     std::variant<Stream, ApiResponse> startStream(const ApiRequest& request);
     bool isEventStream(const ApiRequest& request) const;

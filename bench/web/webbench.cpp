@@ -89,7 +89,7 @@ double megabytes(long kibibytes)
 
 } // namespace
 
-WebBench::WebBench(Settings settings, LineProxy& proxy, FigureTable& table)
+WebBench::WebBench(const Settings& settings, LineProxy& proxy, FigureTable& table)
     : m_settings(settings)
     , m_proxy(proxy)
     , m_table(table)

@@ -29,7 +29,7 @@ public:
         double intervalMs = 1000.0;
     };
 
-    WebBench(Settings settings, LineProxy& proxy, FigureTable& table);
+    WebBench(const Settings& settings, LineProxy& proxy, FigureTable& table);
     WebBench(const WebBench&) = delete;
     WebBench& operator=(const WebBench&) = delete;
 
