@@ -9,6 +9,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "sseevent.h"
@@ -30,7 +31,7 @@ HttpCall::Reply HttpCall::run(
     Reply reply;
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (fd < 0) {
-        reply.error = std::strerror(errno);
+        reply.error = std::generic_category().message(errno);
         return reply;
     }
     const int one = 1;
@@ -40,7 +41,7 @@ HttpCall::Reply HttpCall::run(
     address.sin_port = htons(static_cast<unsigned short>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        reply.error = std::string("connect: ") + std::strerror(errno);
+        reply.error = std::string("connect: ") + std::generic_category().message(errno);
         ::close(fd);
         return reply;
     }
@@ -53,7 +54,7 @@ HttpCall::Reply HttpCall::run(
     reply.sent = SseEvent::monotonicNanoseconds();
     const std::int64_t deadline = reply.sent + static_cast<std::int64_t>(timeoutMs) * 1000000;
     if (::send(fd, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size())) {
-        reply.error = std::string("send: ") + std::strerror(errno);
+        reply.error = std::string("send: ") + std::generic_category().message(errno);
         ::close(fd);
         return reply;
     }

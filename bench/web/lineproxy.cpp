@@ -8,6 +8,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "sseevent.h"
@@ -15,7 +16,7 @@
 namespace {
 
 // Input is not read from a side while this much waits for the other.
-constexpr std::size_t MaxWaiting = 4 * 1024 * 1024;
+constexpr std::size_t MaxWaiting = std::size_t {4} * 1024 * 1024;
 // Enough of a request line to hold its method.
 constexpr std::size_t KeptRequestBytes = 512;
 
@@ -105,7 +106,7 @@ bool LineProxy::start(std::string& error)
 {
     m_listener = loopbackSocket(0, true);
     if (m_listener < 0 || ::pipe2(m_wake, O_CLOEXEC | O_NONBLOCK) != 0) {
-        error = std::string("proxy: ") + std::strerror(errno);
+        error = std::string("proxy: ") + std::generic_category().message(errno);
         return false;
     }
     sockaddr_in address {};
@@ -261,10 +262,9 @@ void LineProxy::noteReplies(Pair& pair, std::size_t from)
 {
     const std::string& out = pair.out[1];
     for (std::size_t at = from; at < out.size(); ++at) {
-        const void* found = std::memchr(out.data() + at, '\n', out.size() - at);
-        if (!found)
+        at = out.find('\n', at);
+        if (at == std::string::npos)
             return;
-        at = static_cast<std::size_t>(static_cast<const char*>(found) - out.data());
         // A line with no request before it (a refusal at connect) is passed on unmarked.
         if (pair.unanswered.empty())
             continue;

@@ -7,6 +7,7 @@
 #include <netinet/in.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "sseevent.h"
@@ -85,7 +86,7 @@ bool StreamFleet::open(std::size_t count, std::int64_t deadline, std::string& er
             interest.events = EPOLLOUT;
             interest.data.u64 = m_streams.size();
             if (stream->fd < 0 || epoll_ctl(m_poller, EPOLL_CTL_ADD, stream->fd, &interest) < 0) {
-                error = std::string("opening a stream: ") + std::strerror(errno);
+                error = std::string("opening a stream: ") + std::generic_category().message(errno);
                 return false;
             }
             m_streams.push_back(std::move(stream));
@@ -152,7 +153,7 @@ bool StreamFleet::readOnce(int timeoutMs, std::string& error)
     epoll_event ready[256];
     const int count = epoll_wait(m_poller, ready, 256, timeoutMs);
     if (count < 0 && errno != EINTR) {
-        error = std::string("epoll_wait: ") + std::strerror(errno);
+        error = std::string("epoll_wait: ") + std::generic_category().message(errno);
         return false;
     }
     for (int i = 0; i < count; ++i) {
@@ -174,7 +175,8 @@ bool StreamFleet::serve(std::size_t index, std::uint32_t events, std::string& er
         const std::size_t size = std::strlen(Request);
         if (failure != 0 || !(events & EPOLLOUT)
             || ::send(stream.fd, Request, size, MSG_NOSIGNAL) != static_cast<ssize_t>(size)) {
-            error = std::string("stream request: ") + std::strerror(failure ? failure : errno);
+            error = std::string("stream request: ")
+                + std::generic_category().message(failure ? failure : errno);
             return false;
         }
         stream.sent = true;
@@ -229,7 +231,7 @@ void StreamFleet::readSlow(std::int64_t now)
     if (got == 1) {
         ++m_slowBytes;
     } else if (got == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
-        m_slowEnd = got == 0 ? "closed by the server" : std::strerror(errno);
+        m_slowEnd = got == 0 ? "closed by the server" : std::generic_category().message(errno);
         ::close(m_slow);
         m_slow = -1;
     }

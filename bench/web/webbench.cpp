@@ -174,8 +174,8 @@ bool WebBench::run(std::string& error)
 
     m_table.section("the run");
     m_table.add("VmHWM of korvane-web at the end",
-        FigureTable::format(
-            "%.1f MiB = %.1f MB", m_web.peakResidentKiB() / 1024.0, megabytes(m_web.peakResidentKiB())),
+        FigureTable::format("%.1f MiB = %.1f MB", static_cast<double>(m_web.peakResidentKiB()) / 1024.0,
+            megabytes(m_web.peakResidentKiB())),
         "<= 150 MB", FigureTable::verdict(megabytes(m_web.peakResidentKiB()) <= 150.0));
     const double runWall = static_cast<double>(now() - runStart) / 1e9;
     m_table.add("korvane-web CPU over the whole run",
@@ -199,7 +199,8 @@ bool WebBench::runReadings(Window& window, std::string& error)
     const std::int64_t start = now();
     const double cpuStart = m_web.cpuSeconds();
     const std::int64_t deadline = start
-        + static_cast<std::int64_t>(m_settings.readings * 3 * m_settings.intervalMs) * Millisecond
+        + static_cast<std::int64_t>(static_cast<double>(m_settings.readings) * 3 * m_settings.intervalMs)
+            * Millisecond
         + 30 * Second;
     std::int64_t nextSample = start;
     for (;;) {
@@ -349,8 +350,9 @@ void WebBench::addMemory(const std::string& label, const Window& window)
     const double resident = megabytes(window.residentKiB);
     const double peak = megabytes(window.peakResidentKiB);
     m_table.add(label + ": VmRSS at the end, highest 1 s sample",
-        FigureTable::format("%.1f MB, %.1f MB (%.1f / %.1f MiB)", resident, peak, window.residentKiB / 1024.0,
-            window.peakResidentKiB / 1024.0),
+        FigureTable::format("%.1f MB, %.1f MB (%.1f / %.1f MiB)", resident, peak,
+            static_cast<double>(window.residentKiB) / 1024.0,
+            static_cast<double>(window.peakResidentKiB) / 1024.0),
         "<= 150 MB", FigureTable::verdict(peak <= 150.0));
     m_table.add(label + ": CPU, % of one core",
         FigureTable::format("%.1f %% over %.0f s", window.webCpuPercent, window.seconds), "<= 50 %",
