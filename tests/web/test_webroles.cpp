@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <regex>
 #include <thread>
 
@@ -224,4 +226,68 @@ TEST_F(WebRolesTest, AnActionWhoseLineCannotBeWrittenIsRefused)
     EXPECT_EQ(jsonFromText(refused->body)["detail"].asString(),
         "cannot open the audit file " + m_dir.path("audit.log") + ": Is a directory");
     EXPECT_EQ(settledStatus(4), "pending");
+}
+
+TEST(WebAuditDisk, AFullDiskRefusesTheActionAndSaysSo)
+{
+    // A small file system of the test's own, filled up.
+    TempDirectory dir;
+    std::string output;
+    ASSERT_EQ(runCommand("mount -t tmpfs -o size=1m korvane-audit " + dir.path(), output), 0) << output;
+    struct Unmount
+    {
+        const TempDirectory& dir;
+        ~Unmount()
+        {
+            std::string ignored;
+            runCommand("umount " + dir.path(), ignored);
+        }
+    } unmount {dir};
+    SimProcess sim({"--seed", "1", "--speed", "0"});
+    WebProcess web(webOptions(sim.port(), {"--audit.file", dir.path("audit.log")}));
+    ASSERT_GT(web.port(), 0) << web.process().err();
+    for (int i = 0;
+         i < 100 && web.client().Get("/api/v1/snapshot")->body.find("\"batch_id\":4,") == std::string::npos;
+         ++i)
+        std::this_thread::sleep_for(50ms);
+    ASSERT_EQ(web.post("/api/v1/batches/4/pause")->status, 200);
+    runCommand("dd if=/dev/zero of=" + dir.path("filler") + " bs=4k 2>/dev/null", output);
+    const httplib::Result refused = web.post("/api/v1/batches/4/resume");
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, 503);
+    const Json::Value problem = jsonFromText(refused->body);
+    EXPECT_EQ(problem["type"].asString(), "urn:korvane-web:problem:audit-unavailable");
+    EXPECT_EQ(problem["detail"].asString(),
+        "the disk of the audit file " + dir.path("audit.log") + " is full (0 bytes free)");
+    // Room again: actions go on.
+    std::remove(dir.path("filler").c_str());
+    EXPECT_EQ(web.post("/api/v1/batches/4/resume")->status, 200);
+    const std::string audit = readFile(dir.path("audit.log"));
+    EXPECT_EQ(std::count(audit.begin(), audit.end(), '\n'), 2) << audit;
+}
+
+TEST(WebCommands, ACommandTheServerDoesNotAnswerIsRefusedByTheDeadlineAndAudited)
+{
+    // The server answers the first reading's two requests, then goes quiet.
+    SimProcess sim({"--seed", "1", "--speed", "0", "--mute-after", "2"});
+    WebProcess web(webOptions(sim.port(), {"--interval", "600", "--server-timeout", "1"}));
+    for (int i = 0;
+         i < 100 && web.client().Get("/api/v1/snapshot")->body.find("\"batch_id\":4,") == std::string::npos;
+         ++i)
+        std::this_thread::sleep_for(50ms);
+    const auto sent = std::chrono::steady_clock::now();
+    const httplib::Result refused = web.post("/api/v1/batches/4/pause");
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, 504);
+    const Json::Value problem = jsonFromText(refused->body);
+    EXPECT_EQ(problem["type"].asString(), "urn:korvane-web:problem:timed-out");
+    EXPECT_EQ(problem["detail"].asString(), "no reply from " + sim.address() + " to pauseBatch within 1.0 s");
+    EXPECT_LT(std::chrono::steady_clock::now() - sent, 3s);
+    web.process().signal(SIGTERM);
+    EXPECT_EQ(web.process().wait(), 0);
+    EXPECT_NE(
+        web.process().err().find(R"(korvane-web: audit {"action":"pause","ids":[4],"reason":"no reply from )"
+            + sim.address() + R"( to pauseBatch within 1.0 s","remote":"127.0.0.1","result":"timed out",)"),
+        std::string::npos)
+        << web.process().err();
 }
