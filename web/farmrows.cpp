@@ -9,13 +9,17 @@ namespace {
 template <class Record, class Id>
 std::vector<Record> sortedById(std::vector<Record> records, Id id)
 {
-    // Stable, so that of two records with one id the server's last one stays.
-    std::stable_sort(
-        records.begin(), records.end(), [&](const Record& a, const Record& b) { return id(a) < id(b); });
+    const auto byId = [&](const Record& a, const Record& b) { return id(a) < id(b); };
+    const auto sameId = [&](const Record& a, const Record& b) { return id(a) == id(b); };
+    // The server sends its lists in id order: then nothing moves.
+    if (!std::is_sorted(records.begin(), records.end(), byId))
+        std::stable_sort(records.begin(), records.end(), byId); // of one id, the server's last stays last
+    if (std::adjacent_find(records.begin(), records.end(), sameId) == records.end())
+        return records;
     std::vector<Record> rows;
     rows.reserve(records.size());
     for (Record& record : records) {
-        if (!rows.empty() && id(rows.back()) == id(record))
+        if (!rows.empty() && sameId(rows.back(), record))
             rows.back() = std::move(record);
         else
             rows.push_back(std::move(record));
