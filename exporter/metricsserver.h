@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "exposition.h"
 #include "webconfig.h"
 
 class BasicAuth;
@@ -49,7 +50,7 @@ public:
     // May be called from any thread, also before run().
     void stop();
 
-    static constexpr const char* ContentType = "text/plain; version=0.0.4; charset=utf-8";
+    static constexpr const char* ContentType = ExpositionContentType;
 
 private:
     std::unique_ptr<httplib::Server> makeServer(std::string& error);

@@ -6,6 +6,9 @@
 
 // Pieces of Prometheus' text exposition format, appended to a string.
 
+// The format's Content-Type.
+constexpr const char* ExpositionContentType = "text/plain; version=0.0.4; charset=utf-8";
+
 // A label value between its quotes: backslash, double quote and line feed
 // escaped; bytes that are not UTF-8 become U+FFFD, which Prometheus requires.
 void appendLabelValue(std::string& out, std::string_view value);

@@ -23,11 +23,6 @@ Access::Access(std::map<std::string, std::string> users, std::set<std::string> o
 
 Access::~Access() = default;
 
-bool Access::authenticates() const
-{
-    return m_auth->required();
-}
-
 std::optional<Access::Identity> Access::identify(const ApiRequest& request)
 {
     if (!m_auth->required())

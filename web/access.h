@@ -40,7 +40,6 @@ public:
     Access(const Access&) = delete;
     Access& operator=(const Access&) = delete;
 
-    bool authenticates() const;
     // The sender, or nothing when the request must authenticate (401).
     std::optional<Identity> identify(const ApiRequest& request);
     // Why the request is not from the program's own origin; empty when it is.

@@ -81,19 +81,3 @@ Json::Value nodeRow(const ControlClient::NodeInfo& node)
     }
     return row;
 }
-
-Json::Value rowArray(const BatchRows& rows)
-{
-    Json::Value array(Json::arrayValue);
-    for (const ControlClient::BatchInfo& batch : rows)
-        array.append(batchRow(batch));
-    return array;
-}
-
-Json::Value rowArray(const NodeRows& rows)
-{
-    Json::Value array(Json::arrayValue);
-    for (const ControlClient::NodeInfo& node : rows)
-        array.append(nodeRow(node));
-    return array;
-}

@@ -26,7 +26,3 @@ bool hasNode(const NodeRows& rows, std::uint32_t id);
 // of values.
 Json::Value batchRow(const ControlClient::BatchInfo& batch);
 Json::Value nodeRow(const ControlClient::NodeInfo& node);
-
-// The rows as a JSON array, in the order of their ids.
-Json::Value rowArray(const BatchRows& rows);
-Json::Value rowArray(const NodeRows& rows);

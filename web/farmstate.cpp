@@ -2,12 +2,6 @@
 
 #include "eventframe.h"
 
-bool FarmStatus::operator==(const FarmStatus& other) const
-{
-    return connected == other.connected && since == other.since && reason == other.reason
-        && nextTry == other.nextTry;
-}
-
 Json::Value farmStatusJson(const FarmStatus& status)
 {
     Json::Value object(Json::objectValue);

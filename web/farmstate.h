@@ -16,9 +16,6 @@ struct FarmStatus
     std::int64_t since = 0;
     std::string reason;
     std::int64_t nextTry = 0;
-
-    bool operator==(const FarmStatus& other) const;
-    bool operator!=(const FarmStatus& other) const { return !(*this == other); }
 };
 
 // Everything a stream is shown: the last known rows (kept while the farm

@@ -58,16 +58,6 @@ Kind kindOf(Problem problem)
 
 } // namespace
 
-int problemStatus(Problem problem)
-{
-    return kindOf(problem).status;
-}
-
-const char* problemName(Problem problem)
-{
-    return kindOf(problem).name;
-}
-
 ApiResponse problemResponse(Problem problem, const std::string& detail)
 {
     const Kind kind = kindOf(problem);

@@ -33,8 +33,4 @@ enum class Problem
     TimedOut, // 504
 };
 
-int problemStatus(Problem problem);
-// "bad-id", as the type ends.
-const char* problemName(Problem problem);
-
 ApiResponse problemResponse(Problem problem, const std::string& detail);

@@ -152,12 +152,6 @@ FarmState StreamHub::state() const
     return m_state;
 }
 
-std::uint64_t StreamHub::seq() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_state.seq;
-}
-
 FarmStatus StreamHub::farm() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);

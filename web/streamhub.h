@@ -73,7 +73,6 @@ public:
     // The state as one document, for GET /api/v1/snapshot; encoded once per state.
     std::string snapshotJson();
     FarmState state() const;
-    std::uint64_t seq() const;
     FarmStatus farm() const;
     std::size_t streamCount() const;
     // Whether the last reading knew the batch or the node.

@@ -4,6 +4,7 @@
 
 #include "auditlog.h"
 #include "eventframe.h"
+#include "exposition.h"
 #include "farmwatch.h"
 #include "openapidocument.h"
 #include "problem.h"
@@ -172,7 +173,7 @@ void WebApi::handle(const ApiRequest& request, const Reply& reply)
         if (request.method != "GET")
             return reply(problemResponse(Problem::MethodNotAllowed, request.method + " /metrics"));
         ApiResponse response;
-        response.contentType = WebMetrics::ContentType;
+        response.contentType = ExpositionContentType;
         response.body = m_metrics.page();
         return reply(response);
     }

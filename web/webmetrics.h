@@ -22,8 +22,6 @@ public:
     void countAction(const std::string& result);
     std::string page() const;
 
-    static constexpr const char* ContentType = "text/plain; version=0.0.4; charset=utf-8";
-
 private:
     StreamHub& m_hub;
     FarmWatch& m_watch;

@@ -70,7 +70,6 @@ WebServer::WebServer(WebApi& api, StreamHub& hub, Settings settings)
     : m_io(std::make_unique<asio::io_context>(settings.threads))
     , m_shared {api, hub, settings.web.headers, settings.maxRequests}
     , m_settings(std::move(settings))
-    , m_threads(m_settings.threads)
 {
 }
 
@@ -129,7 +128,7 @@ void WebServer::run()
     for (const std::shared_ptr<Listener>& listener : m_listeners)
         listener->accept();
     std::vector<std::thread> threads;
-    for (int i = 1; i < m_threads; ++i)
+    for (int i = 1; i < m_settings.threads; ++i)
         threads.emplace_back([this] { m_io->run(); });
     m_io->run();
     for (std::thread& thread : threads)

@@ -70,5 +70,4 @@ private:
     struct Listener;
     std::vector<std::shared_ptr<Listener>> m_listeners;
     std::vector<int> m_ports;
-    const int m_threads;
 };
