@@ -156,6 +156,12 @@ void FarmWatch::readOnce()
         delta["seq"] = Json::UInt64(m_state.seq);
         m_hub.publish(m_state, makeEventFrame("delta", m_state.seq, delta));
     }
+    // Every good reading says when it was made, changes or not: a page shows
+    // how old its data is, and notices a stream that has gone quiet.
+    Json::Value reading(Json::objectValue);
+    reading["time"] = Json::UInt64(unixMilliseconds());
+    reading["interval"] = Json::Int64(m_settings.interval.count());
+    m_hub.publishTransient(makeEventFrame("reading", m_state.seq, reading));
     followBatches(deadline);
 }
 

@@ -13,6 +13,7 @@
 #include "tlscontext.h"
 #include "version.h"
 #include "webapi.h"
+#include "webassets.h"
 #include "webconfig.h"
 #include "webmetrics.h"
 #include "weboptions.h"
@@ -103,7 +104,9 @@ int main(int argc, char** argv)
 
     Access access(http.web.users, options.operators);
     WebMetrics metrics(hub, watch);
-    WebApi api(hub, watch, access, audit, metrics);
+    const WebAssets assets
+        = options.assetsDir.empty() ? WebAssets::embedded() : WebAssets::fromDirectory(options.assetsDir);
+    WebApi api(hub, watch, access, audit, metrics, assets);
     WebServer server(api, hub, http);
     if (!server.setUp(error)) {
         std::cerr << Prefix << error << std::endl;

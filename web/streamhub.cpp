@@ -28,6 +28,20 @@ void StreamHub::publish(FarmState state, const EventFrame& event)
         wake();
 }
 
+void StreamHub::publishTransient(const EventFrame& event)
+{
+    std::vector<Wake> wakes;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        for (auto& [id, stream] : m_streams) {
+            push(stream, event);
+            wakes.push_back(stream.wake);
+        }
+    }
+    for (const Wake& wake : wakes)
+        wake();
+}
+
 void StreamHub::publishBatch(std::uint32_t batchId, const EventFrame& event)
 {
     std::vector<Wake> wakes;

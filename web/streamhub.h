@@ -52,6 +52,9 @@ public:
     // The reading's side. A new state with the event that leads to it from
     // the last one (a delta or a farm event, numbered state.seq).
     void publish(FarmState state, const EventFrame& event);
+    // An event for every stream that changes no state and is not kept for
+    // resuming: the time of a reading that found nothing new.
+    void publishTransient(const EventFrame& event);
     // A followed batch's status, for the streams that follow it.
     void publishBatch(std::uint32_t batchId, const EventFrame& event);
     // The batches at least one stream follows.

@@ -9,6 +9,7 @@
 #include "openapidocument.h"
 #include "problem.h"
 #include "streamhub.h"
+#include "webassets.h"
 #include "webmetrics.h"
 
 namespace {
@@ -104,12 +105,14 @@ std::optional<std::uint32_t> parseId(const std::string& text)
     return static_cast<std::uint32_t>(value);
 }
 
-WebApi::WebApi(StreamHub& hub, FarmWatch& watch, Access& access, AuditLog& audit, WebMetrics& metrics)
+WebApi::WebApi(StreamHub& hub, FarmWatch& watch, Access& access, AuditLog& audit, WebMetrics& metrics,
+    const WebAssets& assets)
     : m_hub(hub)
     , m_watch(watch)
     , m_access(access)
     , m_audit(audit)
     , m_metrics(metrics)
+    , m_assets(assets)
 {
 }
 
@@ -166,10 +169,12 @@ std::variant<WebApi::Stream, ApiResponse> WebApi::startStream(const ApiRequest& 
 
 void WebApi::handle(const ApiRequest& request, const Reply& reply)
 {
+    // The page asks for the same credentials as the API, so the browser has
+    // them before the page's first request.
+    Access::Identity identity;
+    if (std::optional<ApiResponse> refusal = authenticate(request, identity))
+        return reply(*refusal);
     if (request.path == "/metrics") {
-        Access::Identity identity;
-        if (std::optional<ApiResponse> refusal = authenticate(request, identity))
-            return reply(*refusal);
         if (request.method != "GET")
             return reply(problemResponse(Problem::MethodNotAllowed, request.method + " /metrics"));
         ApiResponse response;
@@ -177,11 +182,13 @@ void WebApi::handle(const ApiRequest& request, const Reply& reply)
         response.body = m_metrics.page();
         return reply(response);
     }
-    if (request.path.compare(0, ApiPrefix.size(), ApiPrefix) != 0)
+    if (request.path.compare(0, ApiPrefix.size(), ApiPrefix) != 0) {
+        if (request.method != "GET" && request.method != "HEAD")
+            return reply(problemResponse(Problem::MethodNotAllowed, request.method + " " + request.path));
+        if (std::optional<ApiResponse> file = m_assets.respond(request.path))
+            return reply(*file);
         return reply(problemResponse(Problem::NotFound, request.path));
-    Access::Identity identity;
-    if (std::optional<ApiResponse> refusal = authenticate(request, identity))
-        return reply(*refusal);
+    }
     const std::vector<std::string> parts = pathParts(request.path);
     if (request.method == "GET" || request.method == "HEAD")
         return get(request, identity, parts, reply);

@@ -15,6 +15,7 @@
 class AuditLog;
 class FarmWatch;
 class StreamHub;
+class WebAssets;
 class WebMetrics;
 
 // The routes of the API under /api/v1/, /metrics, and the rules every
@@ -29,6 +30,7 @@ class WebMetrics;
 //   POST /api/v1/nodes/{id}/{pause|resume|stop|priority}
 //   POST /api/v1/batches/{action}, /api/v1/nodes/{action}   {"ids": [...]}
 //   GET  /metrics                    the program's own metrics
+//   GET  /, /batches, /nodes, /batches/{id}, /assets/...   the browser application
 //
 // Errors are problem details (problem.h). Actions are audited before their
 // reply leaves. Thread-safe; a reply may come on the reading's thread.
@@ -47,7 +49,8 @@ public:
         std::optional<std::uint32_t> followedBatch;
     };
 
-    WebApi(StreamHub& hub, FarmWatch& watch, Access& access, AuditLog& audit, WebMetrics& metrics);
+    WebApi(StreamHub& hub, FarmWatch& watch, Access& access, AuditLog& audit, WebMetrics& metrics,
+        const WebAssets& assets);
     WebApi(const WebApi&) = delete;
     WebApi& operator=(const WebApi&) = delete;
 
@@ -95,6 +98,7 @@ private:
     Access& m_access;
     AuditLog& m_audit;
     WebMetrics& m_metrics;
+    const WebAssets& m_assets;
 };
 
 // "3" to 3; nothing for anything that is not an unsigned 32-bit number in

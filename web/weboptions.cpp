@@ -127,7 +127,7 @@ bool isLoopbackHost(const std::string& host)
 bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, std::string& error)
 {
     static const char* const Valued[] = {"--server", "--interval", "--server-timeout", "--web.operators",
-        "--audit.file", "--web.max-streams", "--web.stream-buffer"};
+        "--audit.file", "--web.max-streams", "--web.stream-buffer", "--web.assets-dir"};
     for (std::size_t i = 0; i < args.size(); ++i) {
         CommandLineOption option = splitCommandLineOption(args[i]);
         const std::string& name = option.name;
@@ -169,6 +169,12 @@ bool parseWebOptions(const std::vector<std::string>& args, WebOptions& options, 
                 return false;
             }
             options.auditFile = value;
+        } else if (name == "--web.assets-dir") {
+            if (value.empty()) {
+                error = "--web.assets-dir needs a folder";
+                return false;
+            }
+            options.assetsDir = value;
         } else if (name == "--web.operators") {
             if (!addOperators(value, options.operators, error))
                 return false;
@@ -233,6 +239,9 @@ Options:
                           how far a stream may fall behind (default 8M)
                           before its waiting events are dropped and it gets
                           one snapshot instead: 65536, 64K, 8M
+  --web.assets-dir DIR    serve the browser application from DIR (as the build
+                          writes it: index.html, assets/) instead of the copy
+                          built into the program; for developing the page
   --web.max-requests N    other requests served at the same time (default
                           40); more are answered 503
   --log.level LEVEL       debug, info (the default), warn or error

@@ -17,6 +17,8 @@ struct WebOptions : WebFlags
     std::chrono::milliseconds serverTimeout {5000};
     std::set<std::string> operators;
     std::string auditFile;
+    // Serve the browser application from this folder instead of the built-in copy.
+    std::string assetsDir;
     int maxStreams = 256;
     // Bytes of events a stream may fall behind before it is resynced.
     long long streamBuffer = 8LL * 1024 * 1024;

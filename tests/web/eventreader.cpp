@@ -131,6 +131,11 @@ std::optional<EventReader::Event> EventReader::next(int timeoutMs)
                 ++m_comments;
                 continue;
             }
+            if (event.name == "reading") {
+                ++m_readings;
+                m_lastReading = event.data;
+                continue;
+            }
             return event;
         }
         const auto left

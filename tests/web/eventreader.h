@@ -7,7 +7,7 @@
 // A bare HTTP/1.1 client of one event stream on 127.0.0.1: sends the GET
 // with the header lines given, reads the response head, undoes the chunked
 // transfer coding and hands out one event at a time. Comments (heartbeats)
-// are counted, not handed out.
+// are counted, not handed out; so are "reading" events, whose last data is kept.
 class EventReader final
 {
 public:
@@ -36,6 +36,8 @@ public:
     // True when the server closed the stream within the time.
     bool closedByPeer(int timeoutMs = 10000);
     int comments() const { return m_comments; }
+    int readings() const { return m_readings; }
+    const std::string& lastReading() const { return m_lastReading; }
     void close();
 
 private:
@@ -51,4 +53,6 @@ private:
     bool m_chunked = false;
     bool m_ended = false;
     int m_comments = 0;
+    int m_readings = 0;
+    std::string m_lastReading;
 };

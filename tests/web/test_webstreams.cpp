@@ -187,6 +187,37 @@ TEST(WebStreams, ResumingInsideTheRingGetsDeltasOnlyAndTheCopyEqualsTheSnapshot)
     EXPECT_EQ(copy.document()["batches"][3]["status"].asString(), "paused");
 }
 
+TEST(WebStreams, AQuietFarmStillSaysWhenItWasReadAndThatIsNotKeptForResuming)
+{
+    // The clock stands still: no reading finds a change, and no delta is sent.
+    SimProcess sim({"--seed", "1", "--speed", "0"});
+    WebProcess web(webOptions(sim.port(), {"--interval", "0.2"}));
+    waitForBatches(web, 30);
+    EventReader reader(web.port(), "/api/v1/events");
+    const std::optional<EventReader::Event> snapshot = reader.next();
+    ASSERT_TRUE(snapshot);
+    ASSERT_EQ(snapshot->name, "snapshot");
+    const auto before = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::system_clock::now().time_since_epoch())
+                            .count();
+    EXPECT_FALSE(reader.next(1000));
+    const auto after = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::system_clock::now().time_since_epoch())
+                           .count();
+    EXPECT_GE(reader.readings(), 3);
+    EXPECT_LE(reader.readings(), 6);
+    const Json::Value reading = jsonFromText(reader.lastReading());
+    EXPECT_EQ(reading["interval"].asInt(), 200);
+    EXPECT_GE(reading["time"].asInt64(), before);
+    EXPECT_LE(reading["time"].asInt64(), after);
+    EXPECT_EQ(reading.size(), 2u);
+
+    // A resumed stream gets the readings too, and nothing else while the farm is still.
+    EventReader resumed(web.port(), "/api/v1/events", {"Last-Event-ID: " + snapshot->id});
+    EXPECT_FALSE(resumed.next(600));
+    EXPECT_GE(resumed.readings(), 1);
+}
+
 TEST(WebStreams, ResumingFromOutsideTheRingOrAnotherRunGetsASnapshot)
 {
     SimProcess sim({"--seed", "1", "--speed", "50"});

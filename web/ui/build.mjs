@@ -1,0 +1,32 @@
+// Builds the page into OUT: index.html, assets/app.js and assets/app.css.
+//   node build.mjs OUT [--minify]
+import { build } from "esbuild";
+import { copyFileSync, mkdirSync } from "node:fs";
+import { dirname, join } from "node:path";
+import { fileURLToPath } from "node:url";
+
+const here = dirname(fileURLToPath(import.meta.url));
+const out = process.argv[2];
+if (!out) {
+    console.error("usage: node build.mjs OUT");
+    process.exit(2);
+}
+mkdirSync(join(out, "assets"), { recursive: true });
+await build({
+    entryPoints: [join(here, "src/main.ts")],
+    bundle: true,
+    format: "esm",
+    target: ["chrome100", "firefox100", "safari15"],
+    minify: true,
+    legalComments: "none",
+    outfile: join(out, "assets/app.js"),
+    logLevel: "warning",
+});
+await build({
+    entryPoints: [join(here, "style.css")],
+    bundle: true,
+    minify: true,
+    outfile: join(out, "assets/app.css"),
+    logLevel: "warning",
+});
+copyFileSync(join(here, "index.html"), join(out, "index.html"));
