@@ -464,4 +464,234 @@
         <translation>%1 %</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>Ansichten</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>Farmübersicht</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>Stand: %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>Verbindung zum Server seit %1 getrennt – der letzte bekannte Stand wird angezeigt</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>Wieder mit dem Server verbunden</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>Angemeldet als %1 (%2)</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>Ohne Anmeldung (%1)</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>Betrachter</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>Operator</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Sprache</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>Alle Status</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>Text in einer beliebigen Spalte</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n ausgewählt</numerusform>
+            <numerusform>%n ausgewählt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Auswahl aufheben</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Aktionen</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>Aktionen für #%1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>%n Stapel anhalten: %1</numerusform>
+            <numerusform>%n Stapel anhalten: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>%n Stapel fortsetzen: %1</numerusform>
+            <numerusform>%n Stapel fortsetzen: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>%n Stapel abbrechen: %1</numerusform>
+            <numerusform>%n Stapel abbrechen: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>%n Knoten anhalten: %1</numerusform>
+            <numerusform>%n Knoten anhalten: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>%n Knoten fortsetzen: %1</numerusform>
+            <numerusform>%n Knoten fortsetzen: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>%n Knoten stoppen: %1</numerusform>
+            <numerusform>%n Knoten stoppen: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>Priorität %1 für %n Stapel: %2</numerusform>
+            <numerusform>Priorität %1 für %n Stapel: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>Priorität %1 für %n Knoten: %2</numerusform>
+            <numerusform>Priorität %1 für %n Knoten: %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Bestätigen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Angenommen</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>Keine Antwort in der erwarteten Zeit: %1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>Server nicht erreichbar: %1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>Nicht erlaubt: %1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>Keine Stapel</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>Keine Knoten</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>Kein Stapel entspricht dem Filter</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>Kein Knoten entspricht dem Filter</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>Stapel #%1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>Zurück zur Stapelliste</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>Die Farm hat keinen Stapel #%1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Wird geladen...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>Angezeigt: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>Ergebnisse</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>Nach %1 sortieren</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Hell</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dunkel</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Farbschema</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>Verbindung wird wiederhergestellt...</translation>
+    </message>
+</context>
 </TS>

@@ -464,4 +464,234 @@
         <translation>%1%</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>Views</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>Farm summary</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>data as of %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>Disconnected from server since %1 — showing the last known state</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>Connected to the server again</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>Signed in as %1 (%2)</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>No sign-in (%1)</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>viewer</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>operator</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>All statuses</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>Text in any column</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n selected</numerusform>
+            <numerusform>%n selected</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Clear selection</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Actions</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>Actions for #%1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>Pause %n batch: %1</numerusform>
+            <numerusform>Pause %n batches: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>Resume %n batch: %1</numerusform>
+            <numerusform>Resume %n batches: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>Abort %n batch: %1</numerusform>
+            <numerusform>Abort %n batches: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>Pause %n node: %1</numerusform>
+            <numerusform>Pause %n nodes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>Resume %n node: %1</numerusform>
+            <numerusform>Resume %n nodes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>Stop %n node: %1</numerusform>
+            <numerusform>Stop %n nodes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>Priority %1 for %n batch: %2</numerusform>
+            <numerusform>Priority %1 for %n batches: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>Priority %1 for %n node: %2</numerusform>
+            <numerusform>Priority %1 for %n nodes: %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Confirm</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Accepted</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Refused: %1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>No answer in time: %1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>Server unreachable: %1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>Not allowed: %1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>No batches</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>No nodes</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>No batch matches the filter</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>No node matches the filter</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>Batch #%1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>Back to the batch list</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>The farm has no batch #%1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Loading...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>Shown: %1 of %2</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>Results</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>Sort by %1</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Select</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Light</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Dark</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Theme</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>Reconnecting...</translation>
+    </message>
+</context>
 </TS>

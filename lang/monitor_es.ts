@@ -464,4 +464,234 @@
         <translation>%1 %</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>Vistas</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>Resumen de la granja</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>datos de %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>Desconectado del servidor desde %1 — se muestra el último estado conocido</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>Conectado de nuevo al servidor</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>Sesión iniciada como %1 (%2)</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>Sin inicio de sesión (%1)</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>observador</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>operador</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Idioma</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtro</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>Todos los estados</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Buscar</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>Texto en cualquier columna</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n seleccionado</numerusform>
+            <numerusform>%n seleccionados</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Borrar la selección</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Acciones</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>Acciones para el n.º %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>Pausar %n lote: %1</numerusform>
+            <numerusform>Pausar %n lotes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>Reanudar %n lote: %1</numerusform>
+            <numerusform>Reanudar %n lotes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>Anular %n lote: %1</numerusform>
+            <numerusform>Anular %n lotes: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>Pausar %n nodo: %1</numerusform>
+            <numerusform>Pausar %n nodos: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>Reanudar %n nodo: %1</numerusform>
+            <numerusform>Reanudar %n nodos: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>Detener %n nodo: %1</numerusform>
+            <numerusform>Detener %n nodos: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>Prioridad %1 para %n lote: %2</numerusform>
+            <numerusform>Prioridad %1 para %n lotes: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>Prioridad %1 para %n nodo: %2</numerusform>
+            <numerusform>Prioridad %1 para %n nodos: %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Confirmar</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Cerrar</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Aceptado</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Rechazado: %1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>Sin respuesta a tiempo: %1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>Servidor inaccesible: %1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>No permitido: %1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>No hay lotes</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>No hay nodos</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>Ningún lote coincide con el filtro</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>Ningún nodo coincide con el filtro</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>Lote n.º %1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>Volver a la lista de lotes</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>La granja no tiene el lote n.º %1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Cargando...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>Mostrados: %1 de %2</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>Resultados</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>Ordenar por %1</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Seleccionar</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Claro</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Oscuro</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Tema</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>Reconectando...</translation>
+    </message>
+</context>
 </TS>

@@ -464,4 +464,234 @@
         <translation>%1 %</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>Vues</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>Résumé de la ferme</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>données de %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>Déconnecté du serveur depuis %1 — affichage du dernier état connu</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>De nouveau connecté au serveur</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>Connecté en tant que %1 (%2)</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>Sans identification (%1)</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>observateur</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>opérateur</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Langue</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtre</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>Tous les états</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Rechercher</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>Texte dans n&apos;importe quelle colonne</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n sélectionné</numerusform>
+            <numerusform>%n sélectionnés</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Effacer la sélection</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Actions</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>Actions pour le n°&#xa0;%1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>Suspendre %n lot&#xa0;: %1</numerusform>
+            <numerusform>Suspendre %n lots&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>Reprendre %n lot&#xa0;: %1</numerusform>
+            <numerusform>Reprendre %n lots&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>Abandonner %n lot&#xa0;: %1</numerusform>
+            <numerusform>Abandonner %n lots&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>Suspendre %n nœud&#xa0;: %1</numerusform>
+            <numerusform>Suspendre %n nœuds&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>Reprendre %n nœud&#xa0;: %1</numerusform>
+            <numerusform>Reprendre %n nœuds&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>Arrêter %n nœud&#xa0;: %1</numerusform>
+            <numerusform>Arrêter %n nœuds&#xa0;: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>Priorité %1 pour %n lot&#xa0;: %2</numerusform>
+            <numerusform>Priorité %1 pour %n lots&#xa0;: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>Priorité %1 pour %n nœud&#xa0;: %2</numerusform>
+            <numerusform>Priorité %1 pour %n nœuds&#xa0;: %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Confirmer</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Accepté</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Refusé&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>Pas de réponse à temps&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>Serveur injoignable&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>Non autorisé&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>Aucun lot</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>Aucun nœud</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>Aucun lot ne correspond au filtre</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>Aucun nœud ne correspond au filtre</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>Lot n°&#xa0;%1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>Retour à la liste des lots</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>La ferme n&apos;a pas de lot n°&#xa0;%1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Chargement...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>Affichés&#xa0;: %1 sur %2</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>Résultats</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>Trier par %1</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Sélectionner</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Clair</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Sombre</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Thème</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>Reconnexion...</translation>
+    </message>
+</context>
 </TS>

@@ -464,4 +464,225 @@
         <translation>%1%</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>ビュー</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>ファームの概要</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>%1 時点のデータ</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>%1 からサーバーとの接続が切れています — 最後に確認した状態を表示しています</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>サーバーに再接続しました</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>%1 としてサインイン中（%2）</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>サインインなし（%1）</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>閲覧者</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>オペレーター</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>言語</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>フィルター</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>すべての状態</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>検索</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>任意の列のテキスト</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>%n 件を選択中</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>選択を解除</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>#%1 の操作</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>%n 件のバッチを一時停止：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>%n 件のバッチを再開：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>%n 件のバッチを中止：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>%n 台のノードを一時停止：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>%n 台のノードを再開：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>%n 台のノードを停止：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>%n 件のバッチの優先度を「%1」に設定：%2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>%n 台のノードの優先度を「%1」に設定：%2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>確認</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>受け付けました</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>拒否されました：%1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>時間内に応答がありません：%1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>サーバーに接続できません：%1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>許可されていません：%1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>バッチはありません</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>ノードはありません</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>フィルターに一致するバッチはありません</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>フィルターに一致するノードはありません</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>バッチ #%1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>バッチ一覧に戻る</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>ファームにバッチ #%1 はありません</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>読み込み中...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>%2 件中 %1 件を表示</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>結果</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>%1 で並べ替え</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>ライト</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>ダーク</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>テーマ</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>再接続中...</translation>
+    </message>
+</context>
 </TS>

@@ -464,4 +464,243 @@
         <translation>%1 %</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>Представления</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>Сводка по ферме</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>данные на %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>Соединение с сервером разорвано с %1 — показано последнее известное состояние</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>Соединение с сервером восстановлено</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>Вы вошли как %1 (%2)</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>Без входа (%1)</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>наблюдатель</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>оператор</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Язык</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Фильтр</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>Все состояния</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Поиск</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>Текст в любом столбце</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>Выбрано: %n</numerusform>
+            <numerusform>Выбрано: %n</numerusform>
+            <numerusform>Выбрано: %n</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Снять выделение</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>Действия</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>Действия для № %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>Приостановить %n пакет: %1</numerusform>
+            <numerusform>Приостановить %n пакета: %1</numerusform>
+            <numerusform>Приостановить %n пакетов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>Возобновить %n пакет: %1</numerusform>
+            <numerusform>Возобновить %n пакета: %1</numerusform>
+            <numerusform>Возобновить %n пакетов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>Прервать %n пакет: %1</numerusform>
+            <numerusform>Прервать %n пакета: %1</numerusform>
+            <numerusform>Прервать %n пакетов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>Приостановить %n узел: %1</numerusform>
+            <numerusform>Приостановить %n узла: %1</numerusform>
+            <numerusform>Приостановить %n узлов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>Возобновить %n узел: %1</numerusform>
+            <numerusform>Возобновить %n узла: %1</numerusform>
+            <numerusform>Возобновить %n узлов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>Остановить %n узел: %1</numerusform>
+            <numerusform>Остановить %n узла: %1</numerusform>
+            <numerusform>Остановить %n узлов: %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>Приоритет «%1» для %n пакета: %2</numerusform>
+            <numerusform>Приоритет «%1» для %n пакетов: %2</numerusform>
+            <numerusform>Приоритет «%1» для %n пакетов: %2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>Приоритет «%1» для %n узла: %2</numerusform>
+            <numerusform>Приоритет «%1» для %n узлов: %2</numerusform>
+            <numerusform>Приоритет «%1» для %n узлов: %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>Подтвердить</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>Принято</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>Отклонено: %1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>Ответ не получен вовремя: %1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>Сервер недоступен: %1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>Запрещено: %1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>Нет пакетов</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>Нет узлов</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>Нет пакетов, соответствующих фильтру</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>Нет узлов, соответствующих фильтру</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>Пакет № %1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>Назад к списку пакетов</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>На ферме нет пакета № %1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>Загрузка...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>Показано: %1 из %2</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>Результаты</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>Сортировать по столбцу «%1»</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>Выбрать</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>Светлая</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>Тёмная</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>Тема</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>Переподключение...</translation>
+    </message>
+</context>
 </TS>

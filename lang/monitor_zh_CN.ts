@@ -464,4 +464,225 @@
         <translation>%1%</translation>
     </message>
 </context>
+<context>
+    <name>Web</name>
+    <message>
+        <source>Views</source>
+        <translation>视图</translation>
+    </message>
+    <message>
+        <source>Farm summary</source>
+        <translation>农场概览</translation>
+    </message>
+    <message>
+        <source>data as of %1</source>
+        <translation>数据截至 %1</translation>
+    </message>
+    <message>
+        <source>Disconnected from server since %1 — showing the last known state</source>
+        <translation>自 %1 起已与服务器断开连接——显示的是最后已知的状态</translation>
+    </message>
+    <message>
+        <source>Connected to the server again</source>
+        <translation>已重新连接到服务器</translation>
+    </message>
+    <message>
+        <source>Signed in as %1 (%2)</source>
+        <translation>已以 %1 身份登录（%2）</translation>
+    </message>
+    <message>
+        <source>No sign-in (%1)</source>
+        <translation>未登录（%1）</translation>
+    </message>
+    <message>
+        <source>viewer</source>
+        <translation>查看者</translation>
+    </message>
+    <message>
+        <source>operator</source>
+        <translation>操作员</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>筛选</translation>
+    </message>
+    <message>
+        <source>All statuses</source>
+        <translation>所有状态</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>Text in any column</source>
+        <translation>任意列中的文本</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n selected</source>
+        <translation>
+            <numerusform>已选择 %n 项</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>清除选择</translation>
+    </message>
+    <message>
+        <source>Actions</source>
+        <translation>操作</translation>
+    </message>
+    <message>
+        <source>Actions for #%1</source>
+        <translation>#%1 的操作</translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n batches: %1</source>
+        <translation>
+            <numerusform>暂停 %n 个批次：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n batches: %1</source>
+        <translation>
+            <numerusform>恢复 %n 个批次：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Abort %n batches: %1</source>
+        <translation>
+            <numerusform>中止 %n 个批次：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Pause %n nodes: %1</source>
+        <translation>
+            <numerusform>暂停 %n 个节点：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Resume %n nodes: %1</source>
+        <translation>
+            <numerusform>恢复 %n 个节点：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Stop %n nodes: %1</source>
+        <translation>
+            <numerusform>停止 %n 个节点：%1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n batches: %2</source>
+        <translation>
+            <numerusform>将 %n 个批次的优先级设为“%1”：%2</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Priority %1 for %n nodes: %2</source>
+        <translation>
+            <numerusform>将 %n 个节点的优先级设为“%1”：%2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Confirm</source>
+        <translation>确认</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Accepted</source>
+        <translation>已接受</translation>
+    </message>
+    <message>
+        <source>Refused: %1</source>
+        <translation>已拒绝：%1</translation>
+    </message>
+    <message>
+        <source>No answer in time: %1</source>
+        <translation>未在规定时间内响应：%1</translation>
+    </message>
+    <message>
+        <source>Server unreachable: %1</source>
+        <translation>无法访问服务器：%1</translation>
+    </message>
+    <message>
+        <source>Not allowed: %1</source>
+        <translation>不允许：%1</translation>
+    </message>
+    <message>
+        <source>No batches</source>
+        <translation>没有批次</translation>
+    </message>
+    <message>
+        <source>No nodes</source>
+        <translation>没有节点</translation>
+    </message>
+    <message>
+        <source>No batch matches the filter</source>
+        <translation>没有符合筛选条件的批次</translation>
+    </message>
+    <message>
+        <source>No node matches the filter</source>
+        <translation>没有符合筛选条件的节点</translation>
+    </message>
+    <message>
+        <source>Batch #%1</source>
+        <translation>批次 #%1</translation>
+    </message>
+    <message>
+        <source>Back to the batch list</source>
+        <translation>返回批次列表</translation>
+    </message>
+    <message>
+        <source>The farm has no batch #%1</source>
+        <translation>农场中没有批次 #%1</translation>
+    </message>
+    <message>
+        <source>Loading...</source>
+        <translation>正在加载...</translation>
+    </message>
+    <message>
+        <source>Shown: %1 of %2</source>
+        <translation>显示 %1 项，共 %2 项</translation>
+    </message>
+    <message>
+        <source>Results</source>
+        <translation>结果</translation>
+    </message>
+    <message>
+        <source>Sort by %1</source>
+        <translation>按 %1 排序</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>选择</translation>
+    </message>
+    <message>
+        <source>Light</source>
+        <translation>浅色</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>深色</translation>
+    </message>
+    <message>
+        <source>Theme</source>
+        <translation>主题</translation>
+    </message>
+    <message>
+        <source>Reconnecting...</source>
+        <translation>正在重新连接...</translation>
+    </message>
+</context>
 </TS>

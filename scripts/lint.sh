@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 dir=${1:-build}
 # The project's own folders, the one list of them: clang-tidy's files and
 # headers (not the build trees' generated ones) and cppcheck's sources.
-sources=(app bench client crash crashreporter ctl exporter fuzz http monitor options reading sim tests texts utf8 web)
+sources=(app bench client crash crashreporter ctl exporter fuzz http monitor options reading sim tests texts utf8 web webtexts)
 pattern="^$PWD/($(
     IFS='|'
     echo "${sources[*]}"

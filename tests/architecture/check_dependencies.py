@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Reads CMake's own dependency graph of the programs and fails when one of
 them, or one of the libraries they share, reaches a library it must not: the
-command-line programs no widgets, no GUI and no crash handler, the simulator
-no protocol client.
+command-line programs and the build's catalogue writer no widgets, no GUI and
+no crash handler, the simulator no protocol client.
 
     check_dependencies.py CMAKE SOURCE_DIR WORK_DIR
 
@@ -23,6 +23,10 @@ RULES = {
     "korvane-web": ({"korvane_web", "korvane_reading", "korvane_http", "korvane_client"},
                     {"Qt6::Widgets", "Qt6::Gui", "Qt6::Core", "korvane_breakpad", "korvane_crash",
                      "korvane_exporter"}),
+    # Run at build time for the browser's catalogues: Qt Core and the shared texts only.
+    "korvane-webtexts": ({"korvane_texts", "Qt6::Core"},
+                         {"Qt6::Widgets", "Qt6::Gui", "Qt6::Network", "korvane_monitor", "korvane_breakpad",
+                          "korvane_crash", "korvane_web"}),
     "korvane-sim": ({"korvane_options"},
                     {"korvane_client", "Qt6::Core", "korvane_breakpad"}),
     # The libraries the programs that serve HTTP share: plain C++, and the

@@ -5,8 +5,9 @@
 
 Every message must have a finished, non-empty translation that keeps the
 source's place holders (%1, %2, ...) and has an accelerator ("&") exactly when
-the source has one. Outside the English catalogue a translation may equal its
-source only when the source has no letter besides its place holders, or when
+the source has one; a numerus message so in each of its forms, each keeping
+%n too. Outside the English catalogue a translation may equal its source only
+when the source has no letter besides its place holders, or when
 SAME_AS_ENGLISH lists it for that language. Prints one line per problem and
 exits with 1 when there is any.
 """
@@ -48,24 +49,32 @@ def main(catalogue, same_as_english):
             count += 1
             source = message.findtext("source") or ""
             translation = message.find("translation")
-            text = (translation.text or "") if translation is not None else ""
             where = f"{name}: {source!r}"
             kind = translation.get("type") if translation is not None else "missing"
             if kind:
                 problems.append(f"{where} is {kind}")
                 continue
-            if not text.strip():
+            numerus = message.get("numerus") == "yes"
+            if numerus:
+                texts = [form.text or "" for form in translation.iter("numerusform")]
+            else:
+                texts = [translation.text or ""]
+            if not texts or not all(text.strip() for text in texts):
                 problems.append(f"{where} has an empty translation")
                 continue
-            if sorted(PLACE_HOLDER.findall(source)) != sorted(PLACE_HOLDER.findall(text)):
-                problems.append(f"{where} -> {text!r} does not keep the place holders")
-            if accelerators(source) != accelerators(text) or accelerators(text) > 1:
-                problems.append(f"{where} -> {text!r} does not keep the one accelerator")
-            if language != "en" and text == source:
-                if (name, source) in allowed:
-                    used.add((name, source))
-                elif re.search(r"[^\W\d_]", PLACE_HOLDER.sub("", source)):
-                    problems.append(f"{where} is left in English")
+            for text in texts:
+                if sorted(PLACE_HOLDER.findall(source)) != sorted(PLACE_HOLDER.findall(text)):
+                    problems.append(f"{where} -> {text!r} does not keep the place holders")
+                # every form stands for many counts (Russian's first for 1, 21, 31, ...)
+                if numerus and "%n" not in text:
+                    problems.append(f"{where} -> {text!r} does not keep %n")
+                if accelerators(source) != accelerators(text) or accelerators(text) > 1:
+                    problems.append(f"{where} -> {text!r} does not keep the one accelerator")
+                if language != "en" and text == source:
+                    if (name, source) in allowed:
+                        used.add((name, source))
+                    elif re.search(r"[^\W\d_]", PLACE_HOLDER.sub("", source.replace("%n", ""))):
+                        problems.append(f"{where} is left in English")
     for context, source in sorted(allowed - used):
         problems.append(f"{same_as_english}: {language} {context}: {source!r} is not a text left in English")
     for problem in problems:
