@@ -18,8 +18,8 @@ import type { Batch, BatchStatus, Delta, Farm, FarmNode, Reading, Snapshot, WhoA
 const BatchKeys = ["id", "project", "started", "status", "priority", "task", "times", "failures", "nodes"] as const;
 const NodeKeys = ["id", "host", "status", "priority", "batch", "progress", "failures", "error"] as const;
 const Keys = { batches: BatchKeys, nodes: NodeKeys };
-const BatchWidths = ["4.5rem", "14rem", "11rem", "7rem", "6rem", "16rem", "11rem", "5.5rem", "5rem"];
-const NodeWidths = ["4.5rem", "16rem", "7rem", "6rem", "5.5rem", "6rem", "5.5rem", "28rem"];
+const BatchWidths = ["4.5rem", "14rem", "12.5rem", "7rem", "6rem", "18rem", "11rem", "5.5rem", "5rem"];
+const NodeWidths = ["4.5rem", "13rem", "7rem", "6rem", "5.5rem", "6rem", "5.5rem", "28rem"];
 const LanguageKey = "korvane-web.language";
 
 const batches = new RowTable<Batch>((row) => row.batch_id);
