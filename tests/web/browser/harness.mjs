@@ -64,11 +64,17 @@ export function startWeb(serverPort, args = []) {
         "--interval", "0.5", "--server-timeout", "2", ...args]);
 }
 
-// A TCP relay to the simulator that counts the requests naming each method.
+// A TCP relay to a port that counts the JSON requests naming each method
+// (the simulator's protocol) and can cut every connection through it.
 export async function countingRelay(targetPort) {
     const counts = new Map();
+    const sockets = new Set();
     const server = createServer((client) => {
         const upstream = connect(targetPort, "127.0.0.1");
+        sockets.add(client);
+        sockets.add(upstream);
+        client.on("close", () => sockets.delete(client));
+        upstream.on("close", () => sockets.delete(upstream));
         let pending = "";
         client.on("data", (data) => {
             pending += data.toString("utf8");
@@ -90,7 +96,12 @@ export async function countingRelay(targetPort) {
     server.listen(0, "127.0.0.1");
     await once(server, "listening");
     servers.push(server);
-    return { port: server.address().port, count: (method) => counts.get(method) ?? 0 };
+    return {
+        port: server.address().port,
+        count: (method) => counts.get(method) ?? 0,
+        // Ends every connection through the relay, as a broken link would.
+        cut: () => sockets.forEach((socket) => socket.destroy()),
+    };
 }
 
 export function writeFile(name, text) {

@@ -46,6 +46,7 @@ export class Grid {
     private activeId: number | null = null;
     private anchorId: number | null = null;
     private textsEpoch = 0;
+    private measuredEpoch = -1;
     private frameHeight = 600;
     private scheduled = false;
 
@@ -166,7 +167,19 @@ export class Grid {
         });
     }
 
+    // Columns as wide as their header needs at least: a longer word in
+    // another language widens its column instead of being cut.
+    private fitHeaders(): void {
+        if (this.measuredEpoch === this.textsEpoch || !this.element.isConnected)
+            return;
+        this.measuredEpoch = this.textsEpoch;
+        const widths = this.headerCells.map((cell, index) =>
+            `max(${this.columns[index]!.width}, ${cell.scrollWidth + 16}px)`);
+        this.element.style.setProperty("--grid-columns", widths.join(" "));
+    }
+
     private render(): void {
+        this.fitHeaders();
         const order = this.source.order();
         const top = this.frame.scrollTop;
         const first = Math.max(0, Math.floor(top / RowHeight) - Overscan);

@@ -89,7 +89,7 @@ export function showMenu(label: string, items: MenuItem[], at: { x: number; y: n
             event.stopPropagation();
         }
     });
-    document.body.append(menu);
+    (document.querySelector("main") ?? document.body).append(menu);
     // Kept inside the window, also on a narrow screen.
     const rect = menu.getBoundingClientRect();
     menu.style.left = `${Math.max(4, Math.min(at.x, window.innerWidth - rect.width - 4))}px`;

@@ -28,7 +28,7 @@ export class Summary {
     private readonly live: HTMLElement;
     private staleSince: number | null = null;
     private readingTime: number | null = null;
-    private announced: boolean | null = null;
+    private announced = true;
 
     constructor() {
         this.root = element("section", { class: "summary", "aria-labelledby": "summary-label" });
@@ -73,7 +73,7 @@ export class Summary {
         this.staleSince = since;
         this.renderBanner();
         const healthy = since === null;
-        if (this.announced !== null && this.announced !== healthy)
+        if (this.announced !== healthy)
             setText(this.live, healthy ? tr("Web/Connected to the server again") : this.bannerText());
         this.announced = healthy;
     }

@@ -1,0 +1,38 @@
+// A working batch's progress, as the simulator reports it, is on the page
+// within 2 s, again and again; no full reload happens on the way.
+import { execFileSync } from "node:child_process";
+import { dirname, join } from "node:path";
+import { strict as assert } from "node:assert";
+import { launch, openPage, rowTexts, run, startSim, startWeb, until, webProgram } from "./harness.mjs";
+
+const ctl = join(dirname(webProgram), "korvane-ctl");
+
+function simBatches(simPort) {
+    return JSON.parse(execFileSync(ctl, ["--host", `127.0.0.1:${simPort}`, "--json", "batches"], { encoding: "utf8" }));
+}
+
+const simBatch = (simPort, id) => simBatches(simPort).find((batch) => batch.batch_id === id);
+
+await run("page_live", 90000, async () => {
+    const sim = await startSim(["--speed", "4"]);
+    const web = await startWeb(sim.port, ["--interval", "0.5"]);
+    const page = await openPage(await launch());
+    await page.goto(`http://127.0.0.1:${web.port}/batches`);
+    await page.evaluate(() => { window.sameDocument = true; });
+    const working = await until("a working batch", () => simBatches(sim.port).find((batch) => batch.status === "inprogress"
+        && batch.task.progress < 50));
+    const id = working.batch_id;
+    for (let round = 0; round < 4; ++round) {
+        const progress = simBatch(sim.port, id).task.progress;
+        const seenAt = Date.now();
+        const cell = await until(`progress ${progress.toFixed(1)} % on the page`, async () => {
+            const text = (await rowTexts(page, id))?.["Current Task"] ?? "";
+            const shown = Number(/\(([\d.]+)%\)$/.exec(text)?.[1] ?? -1);
+            return shown >= Number(progress.toFixed(1)) ? text : null;
+        }, 2000);
+        assert.match(cell, /^[A-Z][A-Za-z ]+ \(\d+\.\d%\)$/);
+        console.log(`round ${round}: ${progress.toFixed(1)} % at the simulator, "${cell}" on the page after ${Date.now() - seenAt} ms`);
+        await new Promise((resolve) => setTimeout(resolve, 700));
+    }
+    assert.equal(await page.evaluate(() => window.sameDocument), true);
+});
