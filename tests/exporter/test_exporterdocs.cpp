@@ -102,13 +102,16 @@ TEST(ExporterDocs, RulesAndDashboardNameOnlyExportedMetrics)
 TEST(ExporterDocs, EveryAlertIsPerFarmHeldAndNamesItsFarm)
 {
     // The rules file is plain enough to read line by line: each rule has its
-    // alert, a for: and a summary that names the farm; sums keep the farm.
+    // alert, a for: and a summary that names the farm; sums keep the farm
+    // and the address of its web view; every alert links to that view.
     const std::string rules = readFile(Docs + "/korvane-alerts.yml");
     std::istringstream lines(rules);
     int alerts = 0;
     int holds = 0;
     int summaries = 0;
+    int views = 0;
     for (std::string line; std::getline(lines, line);) {
+        views += line.find("web_view: \"{{ with $labels.web_url }}{{ . }}/") != std::string::npos;
         alerts += line.find("- alert: ") != std::string::npos;
         holds += line.find(" for: ") != std::string::npos;
         summaries += line.find("summary: \"Farm {{ $labels.farm }}: ") != std::string::npos;
@@ -116,12 +119,13 @@ TEST(ExporterDocs, EveryAlertIsPerFarmHeldAndNamesItsFarm)
             ADD_FAILURE() << "a sum over every farm: " << line;
         }
         if (line.find("sum by (") != std::string::npos) {
-            EXPECT_NE(line.find("sum by (farm)"), std::string::npos) << line;
+            EXPECT_NE(line.find("sum by (farm, web_url)"), std::string::npos) << line;
         }
     }
     EXPECT_EQ(alerts, 4);
     EXPECT_EQ(holds, 4);
     EXPECT_EQ(summaries, 4);
+    EXPECT_EQ(views, 4);
     EXPECT_NE(rules.find("- alert: KorvaneExporterDown\n        expr: up{job=\"korvane\"} == 0\n"),
         std::string::npos);
 }
