@@ -116,8 +116,7 @@ screenshot_monitor() {
     DISPLAY=$1 import -window "${window:-root}" "$2"
 }
 
-# need_chromium WHO: Chromium only takes the pictures of Prometheus' pages, so
-# the test command does not install it; the script that needs it does.
+# need_chromium WHO: Chromium, where the setup has not brought it.
 need_chromium() {
     command -v chromium >/dev/null || need_packages "$1" chromium
 }

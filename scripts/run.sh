@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Fresh machine to a running monitor: installs what is missing, builds, starts
-# the bundled simulated processing server and the monitor connected to it.
-# With no display both run under Xvfb: a screenshot is saved, its path
-# printed, and everything is ended.
+# the bundled simulated processing server, the web monitor and the desktop
+# monitor connected to it. Headless Chromium saves a picture of the web
+# monitor's page. With no display the desktop monitor runs under Xvfb: a
+# screenshot is saved, its path printed, and everything is ended.
 #   scripts/run.sh [extra korvane-sim options]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -15,6 +16,13 @@ bin=$PWD/build/bin
 start_work
 start_sim run --seed 1 "$@"
 echo "simulator listening on $sim_address"
+build/bin/korvane-web --server "$sim_address" --web.listen-address 127.0.0.1:0 >"$work/web.out" 2>"$work/web.err" &
+pids+=($!)
+web_address=$(listening_address "$work/web.out") || { echo "run: korvane-web did not start" >&2; exit 1; }
+echo "web monitor at http://$web_address/"
+web_shot=${KORVANE_WEB_SCREENSHOT:-$PWD/build/screenshot-web.png}
+node scripts/photograph-page.mjs "http://$web_address" "$web_shot" /batches || exit 1
+echo "screenshot of the web monitor: $web_shot"
 
 if [[ -n "${DISPLAY:-}" ]]; then
     "$bin/korvane-monitor" --connect "$sim_address"

@@ -173,8 +173,13 @@ export class Grid {
         if (this.measuredEpoch === this.textsEpoch || !this.element.isConnected)
             return;
         this.measuredEpoch = this.textsEpoch;
-        const widths = this.headerCells.map((cell, index) =>
-            `max(${this.columns[index]!.width}, ${cell.scrollWidth + 16}px)`);
+        const range = document.createRange();
+        const widths = this.headerCells.map((cell, index) => {
+            range.selectNodeContents(cell);
+            // the text, the cell's padding and the sort mark
+            const needed = Math.ceil(range.getBoundingClientRect().width) + 32;
+            return `max(${this.columns[index]!.width}, ${needed}px)`;
+        });
         this.element.style.setProperty("--grid-columns", widths.join(" "));
     }
 
