@@ -104,9 +104,15 @@ int main(int argc, char** argv)
 
     Access access(http.web.users, options.operators);
     WebMetrics metrics(hub, watch);
-    const WebAssets assets
-        = options.assetsDir.empty() ? WebAssets::embedded() : WebAssets::fromDirectory(options.assetsDir);
-    WebApi api(hub, watch, access, audit, metrics, assets);
+    std::optional<WebAssets> assets = WebAssets::embedded();
+    if (!options.assetsDir.empty()) {
+        assets = WebAssets::fromDirectory(options.assetsDir, error);
+        if (!assets) {
+            std::cerr << Prefix << error << std::endl;
+            return ExitUsage;
+        }
+    }
+    WebApi api(hub, watch, access, audit, metrics, *assets);
     WebServer server(api, hub, http);
     if (!server.setUp(error)) {
         std::cerr << Prefix << error << std::endl;

@@ -38,8 +38,13 @@ WebAssets WebAssets::embedded()
     return assets;
 }
 
-WebAssets WebAssets::fromDirectory(std::string directory)
+std::optional<WebAssets> WebAssets::fromDirectory(std::string directory, std::string& error)
 {
+    if (!std::ifstream(directory + "/index.html")) {
+        error = "--web.assets-dir " + directory
+            + " has no index.html (the build writes the page to build/web-ui)";
+        return std::nullopt;
+    }
     WebAssets assets;
     assets.m_directory = std::move(directory);
     return assets;

@@ -23,8 +23,9 @@ public:
 
     // The files built into the program.
     static WebAssets embedded();
-    // The files of a folder as the build writes them (index.html, assets/...).
-    static WebAssets fromDirectory(std::string directory);
+    // The files of a folder as the build writes them (index.html, assets/...);
+    // nothing, with the reason, when the folder has no index.html.
+    static std::optional<WebAssets> fromDirectory(std::string directory, std::string& error);
 
     // The answer to a GET of path, or nothing when the path is not the
     // application's.

@@ -96,6 +96,11 @@ INSTANTIATE_TEST_SUITE_P(Usage, WebProgramRefusal,
         Refusal {{"--web.listen-address", "127.0.0.1:0", "--web.operators", "alice"}, 2,
             "korvane-web: --web.operators names users, but the web configuration has no basic_auth_users to "
             "sign them in\n"},
+        Refusal {{"--web.assets-dir", "/nonexistent"}, 2,
+            "korvane-web: --web.assets-dir /nonexistent has no index.html (the build writes the page to "
+            "build/web-ui)\n"},
+        Refusal {{"--web.assets-dir", ""}, 2,
+            "korvane-web: --web.assets-dir needs a folder (see korvane-web --help)\n"},
         Refusal {{"--web.listen-address", "127.0.0.1:0", "--audit.file", "/nonexistent/audit.log"}, 2,
             "korvane-web: cannot open the audit file /nonexistent/audit.log: No such file or directory\n"}));
 
