@@ -161,6 +161,20 @@ export async function snapshot(webPort, auth) {
     return response.json();
 }
 
+// The state once the program has read the simulator's 30 batches.
+export function firstReading(webPort, auth) {
+    return until("the first reading", async () => {
+        const state = await snapshot(webPort, auth);
+        return state.batches.length === 30 ? state : null;
+    });
+}
+
+// The monitor's word for a status of the API.
+export function statusWord(status) {
+    return { pending: "Pending", inprogress: "Working", completed: "Completed", paused: "Paused", aborted: "Aborted",
+        ready: "Ready" }[status];
+}
+
 // Runs the test body with a time limit and cleans up whatever happens.
 export async function run(name, limitMs, body) {
     const timer = setTimeout(() => {

@@ -2,17 +2,14 @@
 // node's priority, and pauses three batches at once after a confirmation
 // that names all three, with each one's result.
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
+import { firstReading, launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
 
 await run("page_actions", 90000, async () => {
     const sim = await startSim(["--speed", "0"]);
     const web = await startWeb(sim.port);
     const page = await openPage(await launch());
     await page.goto(`http://127.0.0.1:${web.port}/batches`);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port);
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port);
     const pending = farm.batches.filter((batch) => batch.status === "pending").map((batch) => batch.batch_id);
     assert.ok(pending.length >= 4, `pending batches: ${pending}`);
     const project = (id) => farm.batches.find((batch) => batch.batch_id === id).path.split("/").pop();

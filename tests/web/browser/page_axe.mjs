@@ -1,7 +1,7 @@
 // axe-core on every view, light and dark, with a menu and a confirmation
 // open too: no serious or critical violation.
 import { strict as assert } from "node:assert";
-import { axeSource, launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
+import { axeSource, firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
 
 async function check(page, what) {
     // evaluate() runs outside the page's Content-Security-Policy, which
@@ -21,10 +21,7 @@ async function check(page, what) {
 await run("page_axe", 110000, async () => {
     const sim = await startSim(["--speed", "1"]);
     const web = await startWeb(sim.port);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port);
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port);
     const browser = await launch();
     for (const colorScheme of ["light", "dark"]) {
         const page = await openPage(browser, { colorScheme });

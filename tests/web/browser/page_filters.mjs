@@ -1,7 +1,7 @@
 // Filters and sorting are in the address: set on the page, they survive a
 // reload, and an address typed or linked opens the same view.
 import { strict as assert } from "node:assert";
-import { launch, openPage, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
+import { firstReading, launch, openPage, run, startSim, startWeb, until } from "./harness.mjs";
 
 const shownIds = (page) => page.evaluate(() => [...document.querySelectorAll("[role=grid] [role=row][aria-rowindex]")]
     .filter((row) => row.getAttribute("aria-rowindex") !== "1")
@@ -11,10 +11,7 @@ const shownIds = (page) => page.evaluate(() => [...document.querySelectorAll("[r
 await run("page_filters", 90000, async () => {
     const sim = await startSim(["--speed", "0"]);
     const web = await startWeb(sim.port);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port);
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port);
     const page = await openPage(await launch());
     const base = `http://127.0.0.1:${web.port}`;
     await page.goto(`${base}/batches`);

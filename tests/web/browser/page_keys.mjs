@@ -2,7 +2,7 @@
 // list, the arrows reach a row, Shift+F10 opens its menu, the menu pauses
 // it, Enter opens its details, and the way back lands on the same row.
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
+import { firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
 
 // What has the focus: its role, its text, the id of its row, and whether it shows.
 const focused = (page) => page.evaluate(() => {
@@ -19,10 +19,7 @@ const focused = (page) => page.evaluate(() => {
 await run("page_keys", 90000, async () => {
     const sim = await startSim(["--speed", "0"]);
     const web = await startWeb(sim.port);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port);
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port);
     const target = farm.batches.filter((batch) => batch.status === "pending")[1].batch_id;
     const page = await openPage(await launch());
     await page.goto(`http://127.0.0.1:${web.port}/batches`);

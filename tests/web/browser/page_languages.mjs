@@ -5,7 +5,7 @@
 import { mkdirSync, readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, snapshot, sourceDir, startSim, startWeb, until } from "./harness.mjs";
+import { firstReading, launch, openPage, rowTexts, run, sourceDir, startSim, startWeb, statusWord, until } from "./harness.mjs";
 
 const screenshots = process.argv[5];
 mkdirSync(screenshots, { recursive: true });
@@ -39,10 +39,7 @@ const pageTexts = (page) => page.evaluate(() => [document.body.innerText,
 await run("page_languages", 110000, async () => {
     const sim = await startSim(["--speed", "1"]);
     const web = await startWeb(sim.port);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port);
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port);
     const base = `http://127.0.0.1:${web.port}`;
     const english = await (await fetch(`${base}/assets/lang/en.json`)).json();
     // Every key the page's sources name is in the catalogue, or it would show its English source everywhere.
@@ -76,8 +73,7 @@ await run("page_languages", 110000, async () => {
         // The status words stay as they are in every language.
         await page.goto(`${base}/batches`);
         const first = Object.values(await until("rows", () => rowTexts(page, 1)));
-        const status = { pending: "Pending", paused: "Paused", completed: "Completed", aborted: "Aborted",
-            inprogress: "Working" }[farm.batches[0].status];
+        const status = statusWord(farm.batches[0].status);
         assert.equal(first[3], status);
         await page.close();
     }

@@ -2,7 +2,7 @@
 // known rows, and recovers by itself: a lost simulator, a broken stream
 // with the farm healthy, and a program that hangs.
 import { strict as assert } from "node:assert";
-import { countingRelay, launch, openPage, rowTexts, run, sleep, snapshot, startSim, stop, startWeb, until } from "./harness.mjs";
+import { countingRelay, launch, openPage, rowTexts, run, sleep, snapshot, startSim, startWeb, statusWord, stop, until } from "./harness.mjs";
 
 const Banner = /^Disconnected from server since (\d\d:\d\d:\d\d) — showing the last known state$/;
 
@@ -50,8 +50,7 @@ await run("page_staleness", 110000, async () => {
     await until("the time moving again", async () => (await asOf(page)) !== frozen);
     const fresh = await snapshot(web.port);
     const shown = await rowTexts(page, 4);
-    assert.equal(shown.Status, { pending: "Pending", paused: "Paused", completed: "Completed", aborted: "Aborted",
-        inprogress: "Working" }[fresh.batches.find((batch) => batch.batch_id === 4).status]);
+    assert.equal(shown.Status, statusWord(fresh.batches.find((batch) => batch.batch_id === 4).status));
     assert.equal(await page.evaluate(() => window.sameDocument), true);
 
     // The stream breaks while the farm is healthy: the page asks again with

@@ -4,7 +4,7 @@
 import { execFileSync } from "node:child_process";
 import { dirname, join } from "node:path";
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until, webProgram } from "./harness.mjs";
+import { firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until, webProgram } from "./harness.mjs";
 
 const ctl = join(dirname(webProgram), "korvane-ctl");
 
@@ -20,7 +20,7 @@ function table(simPort, command, headers) {
 await run("page_texts", 90000, async () => {
     const sim = await startSim(["--speed", "0"]);
     const web = await startWeb(sim.port);
-    await until("the first reading", async () => (await snapshot(web.port)).batches.length === 30);
+    await firstReading(web.port);
     const page = await openPage(await launch(), { viewport: { width: 1600, height: 1400 } });
     const base = `http://127.0.0.1:${web.port}`;
     for (const [view, command, headers] of [

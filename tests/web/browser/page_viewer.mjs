@@ -1,7 +1,7 @@
 // A viewer sees the farm but no control to act on it; a POST forced from
 // the page is refused by the server, and the farm does not change.
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, secretHash, snapshot, startSim, startWeb, until, writeFile } from "./harness.mjs";
+import { firstReading, launch, openPage, rowTexts, run, secretHash, snapshot, startSim, startWeb, until, writeFile } from "./harness.mjs";
 
 await run("page_viewer", 90000, async () => {
     const config = writeFile("web.yml", `basic_auth_users:\n  alice: ${secretHash}\n  victor: ${secretHash}\n`);
@@ -10,10 +10,7 @@ await run("page_viewer", 90000, async () => {
     const browser = await launch();
     const page = await openPage(browser, { httpCredentials: { username: "victor", password: "secret" } });
     await page.goto(`http://127.0.0.1:${web.port}/batches`);
-    const farm = await until("the first reading", async () => {
-        const state = await snapshot(web.port, "alice:secret");
-        return state.batches.length === 30 ? state : null;
-    });
+    const farm = await firstReading(web.port, "alice:secret");
     const pending = farm.batches.find((batch) => batch.status === "pending").batch_id;
     await until("batch rows", () => rowTexts(page, pending));
     assert.equal(await page.locator(".user").textContent(), "Signed in as victor (viewer)");
