@@ -182,7 +182,10 @@ TEST(WebTextsProgram, OneMissingCatalogue)
         std::string name = "monitor_";
         name += language;
         name += ".qm";
-        ASSERT_TRUE(dir.writeFile("qm/" + name, readFile(LangDir + '/' += name)));
+        std::string source = LangDir;
+        source += '/';
+        source += name;
+        ASSERT_TRUE(dir.writeFile("qm/" + name, readFile(source)));
     }
     ChildProcess tool(Tool, {"--lang-dir", dir.path("qm"), "--out", dir.path("lang")});
     EXPECT_EQ(tool.wait(), 1);
