@@ -175,8 +175,9 @@ function updateCosts(events, until) {
             total,
             longest: Math.max(0, ...inside.map((task) => task.dur)),
             rendering: unionLength(rendering.filter((event) => event.start >= from && event.start < to)),
-            // Still working when the next update came (or the trace ended).
-            capped: last ? last.end > to : false,
+            // Still working when the next update came, or busy all along:
+            // the page fell behind and the updates' data queued up.
+            capped: last ? last.end > to || total > 0.9 * (to - from) : false,
             window: to - from,
         });
     }
