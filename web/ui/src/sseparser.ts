@@ -9,7 +9,14 @@ export interface ServerEvent {
 }
 
 export class SseParser {
-    private buffer = "";
+    // The start of a line whose end has not come yet: a snapshot's line
+    // arrives in dozens of pieces, joined once at its end.
+    private pieces: string[] = [];
+    // The last piece ended in CR: a LF first in the next belongs to it.
+    private afterCr = false;
+    // Searched natively: a loop over the characters in script cost
+    // milliseconds for each delta.
+    private readonly lineBreak = /[\r\n]/g;
     private type = "";
     private data: string[] = [];
     private id: string | null = null;
@@ -20,28 +27,28 @@ export class SseParser {
     ) {}
 
     push(text: string): void {
-        this.buffer += text;
-        let start = 0;
+        let start = this.afterCr && text.charCodeAt(0) === 10 ? 1 : 0;
+        this.afterCr = false;
         for (;;) {
-            const end = this.lineEnd(start);
-            if (end < 0)
+            this.lineBreak.lastIndex = start;
+            const found = this.lineBreak.exec(text);
+            if (!found)
                 break;
-            this.line(this.buffer.slice(start, end));
-            start = end + (this.buffer[end] === "\r" && this.buffer[end + 1] === "\n" ? 2 : 1);
+            const end = found.index;
+            this.pieces.push(text.slice(start, end));
+            const line = this.pieces.length === 1 ? this.pieces[0]! : this.pieces.join("");
+            this.pieces = [];
+            start = end + 1;
+            if (found[0] === "\r") {
+                if (start === text.length)
+                    this.afterCr = true;
+                else if (text.charCodeAt(start) === 10)
+                    start += 1;
+            }
+            this.line(line);
         }
-        this.buffer = this.buffer.slice(start);
-    }
-
-    private lineEnd(from: number): number {
-        for (let i = from; i < this.buffer.length; ++i) {
-            const c = this.buffer.charCodeAt(i);
-            if (c === 10)
-                return i;
-            // A lone CR ends a line too, but only once the next character shows it is not CRLF.
-            if (c === 13)
-                return i + 1 < this.buffer.length ? i : -1;
-        }
-        return -1;
+        if (start < text.length)
+            this.pieces.push(text.slice(start));
     }
 
     private line(line: string): void {
