@@ -4,8 +4,10 @@
 # (bench/browser/naive); then each page against bench.mjs's own synthetic farm
 # for the delta that changes all 10,000 batches. Prints one table. Builds
 # nothing; stops what it started.
-#   bench/browser/run.sh [BIN_DIR] [--heap-minutes M]   (default: build-bench/bin, 2)
+#   bench/browser/run.sh [BIN_DIR] [--heap-minutes M] [--speed X]
+#                        (default: build-bench/bin, 2 minutes, the simulator's own speed 1)
 #   bench/browser/run.sh build/bin --heap-minutes 10    (the full memory run)
+#   bench/browser/run.sh build/bin --speed 60           (nodes hop between batches every reading)
 set -u
 
 here=$(cd "$(dirname "$0")" && pwd)
@@ -15,10 +17,12 @@ if [ $# -gt 0 ] && [ "${1#--}" = "$1" ]; then
     shift
 fi
 heap_minutes=2
+speed=1
 while [ $# -gt 0 ]; do
     case $1 in
     --heap-minutes) heap_minutes=$2; shift 2 ;;
-    *) echo "usage: run.sh [BIN_DIR] [--heap-minutes M]" >&2; exit 2 ;;
+    --speed) speed=$2; shift 2 ;;
+    *) echo "usage: run.sh [BIN_DIR] [--heap-minutes M] [--speed X]" >&2; exit 2 ;;
     esac
 done
 assets=$bin/../web-ui
@@ -89,11 +93,11 @@ done
 [ -x /usr/bin/chromium ] || fail "no /usr/bin/chromium"
 
 # Sixty simulated seconds a second: about a hundred batches and every working node change each reading.
-"$bin/korvane-sim" --listen 127.0.0.1:0 --batches 10000 --nodes 2000 --seed 1 --speed 60 \
+"$bin/korvane-sim" --listen 127.0.0.1:0 --batches 10000 --nodes 2000 --seed 1 --speed "$speed" \
     >"$logs/sim.out" 2>"$logs/sim.err" &
 sim_pid=$!
 sim_port=$(listening_port "$logs/sim.out") || fail "the simulator did not listen"
-echo "korvane-sim --batches 10000 --nodes 2000 --seed 1 --speed 60 on :$sim_port; heap sampled for $heap_minutes min a page"
+echo "korvane-sim --batches 10000 --nodes 2000 --seed 1 --speed $speed on :$sim_port; heap sampled for $heap_minutes min a page"
 
 for page in real naive; do
     extra=()

@@ -146,8 +146,11 @@ export class Grid {
                 this.activeId = this.activeRow >= 0 ? order[this.activeRow]! : null;
             }
         }
-        this.element.setAttribute("aria-rowcount", String(order.length + 1));
-        this.body.style.height = `${order.length * RowHeight}px`;
+        const rowCount = String(order.length + 1);
+        if (this.element.getAttribute("aria-rowcount") !== rowCount) {
+            this.element.setAttribute("aria-rowcount", rowCount);
+            this.body.style.height = `${order.length * RowHeight}px`;
+        }
         this.render();
         if (selectionChanged)
             this.handlers.selectionChanged();

@@ -1,6 +1,7 @@
 // What a list view shows of a table: the rows its filter lets through, in
 // its sort order, each with its cell texts, computed once per row version.
 import type { RowTable, TableChange } from "./rowtable";
+import type { Status } from "./types";
 
 export interface SortKey {
     column: number;
@@ -20,7 +21,7 @@ interface CachedRow {
     folded: string;
 }
 
-export class ListModel<Row extends object> {
+export class ListModel<Row extends { status: Status }> {
     order: number[] = [];
     private readonly cache = new Map<number, CachedRow>();
     private filter: ListFilter = { status: "", text: "" };

@@ -9,7 +9,7 @@ import { tr, trn } from "./i18n";
 import { ListModel, type SortKey } from "./listmodel";
 import { closeMenu, showMenu, type MenuItem } from "./menu";
 import type { TableChange } from "./rowtable";
-import type { ActionWord, Role } from "./types";
+import type { ActionWord, Role, Status } from "./types";
 
 export interface ListColumn {
     key: string;
@@ -17,7 +17,7 @@ export interface ListColumn {
     width: string;
 }
 
-export interface ListViewConfig<Row extends object> {
+export interface ListViewConfig<Row extends { status: Status }> {
     target: Target;
     title: string;
     columns: ListColumn[];
@@ -36,7 +36,7 @@ export interface ListQuery {
     sort: SortKey;
 }
 
-export class ListView<Row extends object> {
+export class ListView<Row extends { status: Status }> {
     readonly root: HTMLElement;
     private readonly grid: Grid;
     private readonly heading: HTMLHeadingElement;

@@ -183,7 +183,7 @@ function applySnapshot(snapshot: Snapshot): void {
     farm = snapshot.farm;
     batchView.tableChanged(batches.reset(snapshot.batches));
     nodeView.tableChanged(nodes.reset(snapshot.nodes));
-    summary.counts(batches.rows.values(), nodes.rows.values());
+    summary.counts(batches.statusCounts, nodes.statusCounts);
     if (route.view === "details")
         detailsView.setMissing(!batches.rows.has(route.id));
     updateStaleness();
@@ -202,7 +202,7 @@ function applyDelta(delta: Delta): void {
         nodeView.tableChanged(nodeChange);
     else
         nodeModel.update(nodeChange);
-    summary.counts(batches.rows.values(), nodes.rows.values());
+    summary.counts(batches.statusCounts, nodes.statusCounts);
     if (route.view === "details")
         detailsView.setMissing(!batches.rows.has(route.id));
 }

@@ -4,16 +4,13 @@
 import { batchStatusWord, clockText, nodeStatusWord } from "./celltext";
 import { element, setHidden, setText } from "./dom";
 import { tr } from "./i18n";
-import type { Batch, FarmNode, Status } from "./types";
+import type { Status } from "./types";
 
 const Order: Status[] = ["inprogress", "pending", "paused", "completed", "aborted", "ready"];
 
-function counts<Row extends { status: Status }>(rows: Iterable<Row>, word: (status: Status) => string): string {
-    const count = new Map<Status, number>();
-    for (const row of rows)
-        count.set(row.status, (count.get(row.status) ?? 0) + 1);
-    return Order.filter((status) => count.has(status) && word(status))
-        .map((status) => `${word(status)} ${count.get(status)}`)
+function countsText(counts: ReadonlyMap<Status, number>, word: (status: Status) => string): string {
+    return Order.filter((status) => counts.has(status) && word(status))
+        .map((status) => `${word(status)} ${counts.get(status)}`)
         .join(" · ");
 }
 
@@ -53,9 +50,9 @@ export class Summary {
         this.renderBanner();
     }
 
-    counts(batches: Iterable<Batch>, nodes: Iterable<FarmNode>): void {
-        setText(this.batches, counts(batches, batchStatusWord));
-        setText(this.nodes, counts(nodes, nodeStatusWord));
+    counts(batches: ReadonlyMap<Status, number>, nodes: ReadonlyMap<Status, number>): void {
+        setText(this.batches, countsText(batches, batchStatusWord));
+        setText(this.nodes, countsText(nodes, nodeStatusWord));
     }
 
     // A good reading of the farm, in milliseconds since the epoch.
