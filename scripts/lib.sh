@@ -152,6 +152,15 @@ start_sim() {
     sim_address=$(listening_address "$work/sim.out") || { echo "$who: the simulator did not start" >&2; exit 1; }
 }
 
+# start_web WHO: korvane-web on loopback reading the simulator of start_sim;
+# sets $web_address.
+start_web() {
+    build/bin/korvane-web --server "$sim_address" --web.listen-address 127.0.0.1:0 >"$work/web.out" 2>"$work/web.err" &
+    pids+=($!)
+    # shellcheck disable=SC2034 # the caller's
+    web_address=$(listening_address "$work/web.out") || { echo "$1: korvane-web did not start" >&2; exit 1; }
+}
+
 # start_picture WHO: what each picture of Prometheus' pages starts with:
 # Chromium, korvane-sim and korvane-exporter built, and start_work.
 start_picture() {

@@ -16,9 +16,7 @@ bin=$PWD/build/bin
 start_work
 start_sim run --seed 1 "$@"
 echo "simulator listening on $sim_address"
-build/bin/korvane-web --server "$sim_address" --web.listen-address 127.0.0.1:0 >"$work/web.out" 2>"$work/web.err" &
-pids+=($!)
-web_address=$(listening_address "$work/web.out") || { echo "run: korvane-web did not start" >&2; exit 1; }
+start_web run
 echo "web monitor at http://$web_address/"
 web_shot=${KORVANE_WEB_SCREENSHOT:-$PWD/build/screenshot-web.png}
 node scripts/photograph-page.mjs "http://$web_address" "$web_shot" /batches || exit 1

@@ -12,11 +12,16 @@ mkdir -p "$out"
 KORVANE_TARGETS="korvane-sim korvane-web" bash scripts/build.sh build >/dev/null
 start_work
 start_sim screenshot-web --seed 1 --batches 60
-build/bin/korvane-web --server "$sim_address" --web.listen-address 127.0.0.1:0 >"$work/web.out" 2>"$work/web.err" &
-pids+=($!)
-base=http://$(listening_address "$work/web.out") || { echo "screenshot-web: korvane-web did not start" >&2; exit 1; }
-# A batch that is working, for its details.
-working=$(build/bin/korvane-ctl --host "$sim_address" batches | awk '$5 == "Working" { print $1; exit }')
+start_web screenshot-web
+base=http://$web_address
+# A batch that is working, for its details: the farm starts one within moments.
+working=
+for _ in $(seq 50); do
+    working=$(build/bin/korvane-ctl --host "$sim_address" batches | awk '$5 == "Working" { print $1; exit }')
+    [[ -n $working ]] && break
+    sleep 0.2
+done
+[[ -n $working ]] || { echo "screenshot-web: no batch is working" >&2; exit 1; }
 
 shoot() {
     node scripts/photograph-page.mjs "$base" "$out/$1.png" "${@:2}"

@@ -19,13 +19,9 @@ void StreamHub::publish(FarmState state, const EventFrame& event)
         // Statuses of batches the farm no longer has are not kept.
         for (auto it = m_batchEvents.begin(); it != m_batchEvents.end();)
             it = hasBatch(*m_state.batches, it->first) ? std::next(it) : m_batchEvents.erase(it);
-        for (auto& [id, stream] : m_streams) {
-            push(stream, event);
-            wakes.push_back(stream.wake);
-        }
+        wakes = pushToStreams(event, std::nullopt);
     }
-    for (const Wake& wake : wakes)
-        wake();
+    wakeAll(wakes);
 }
 
 void StreamHub::publishTransient(const EventFrame& event)
@@ -33,13 +29,9 @@ void StreamHub::publishTransient(const EventFrame& event)
     std::vector<Wake> wakes;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        for (auto& [id, stream] : m_streams) {
-            push(stream, event);
-            wakes.push_back(stream.wake);
-        }
+        wakes = pushToStreams(event, std::nullopt);
     }
-    for (const Wake& wake : wakes)
-        wake();
+    wakeAll(wakes);
 }
 
 void StreamHub::publishBatch(std::uint32_t batchId, const EventFrame& event)
@@ -48,13 +40,26 @@ void StreamHub::publishBatch(std::uint32_t batchId, const EventFrame& event)
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_batchEvents[batchId] = event;
-        for (auto& [id, stream] : m_streams) {
-            if (stream.followedBatch == batchId) {
-                push(stream, event);
-                wakes.push_back(stream.wake);
-            }
-        }
+        wakes = pushToStreams(event, batchId);
     }
+    wakeAll(wakes);
+}
+
+std::vector<StreamHub::Wake> StreamHub::pushToStreams(
+    const EventFrame& event, std::optional<std::uint32_t> followedBatch)
+{
+    std::vector<Wake> wakes;
+    for (auto& [id, stream] : m_streams) {
+        if (followedBatch && stream.followedBatch != followedBatch)
+            continue;
+        push(stream, event);
+        wakes.push_back(stream.wake);
+    }
+    return wakes;
+}
+
+void StreamHub::wakeAll(const std::vector<Wake>& wakes)
+{
     for (const Wake& wake : wakes)
         wake();
 }
@@ -144,8 +149,7 @@ void StreamHub::shutDown()
         for (auto& [id, stream] : m_streams)
             wakes.push_back(stream.wake);
     }
-    for (const Wake& wake : wakes)
-        wake();
+    wakeAll(wakes);
 }
 
 std::string StreamHub::snapshotJson()

@@ -95,6 +95,10 @@ private:
 
     // Under m_mutex. Queues a frame, or drops the queue when it is full.
     void push(Stream& stream, const EventFrame& frame);
+    // Under m_mutex. Queues the frame for every stream, or only for those
+    // that follow the batch; the wakes to call once the lock is released.
+    std::vector<Wake> pushToStreams(const EventFrame& event, std::optional<std::uint32_t> followedBatch);
+    static void wakeAll(const std::vector<Wake>& wakes);
     EventFrame snapshotFrameLocked();
 
     const Limits m_limits;

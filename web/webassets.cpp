@@ -34,7 +34,7 @@ WebAssets WebAssets::embedded()
     const EmbeddedFile* files = embeddedWebFiles(count);
     for (std::size_t i = 0; i < count; ++i)
         assets.m_files.emplace(
-            files[i].name, std::string(reinterpret_cast<const char*>(files[i].data), files[i].size));
+            files[i].name, std::string_view(reinterpret_cast<const char*>(files[i].data), files[i].size));
     return assets;
 }
 
@@ -56,7 +56,7 @@ std::optional<std::string> WebAssets::read(const std::string& name) const
         const auto found = m_files.find(name);
         if (found == m_files.end())
             return std::nullopt;
-        return found->second;
+        return std::string(found->second);
     }
     std::ifstream file(m_directory + "/" + name, std::ios::binary);
     if (!file)
@@ -77,18 +77,13 @@ bool WebAssets::isViewPath(const std::string& path)
 
 std::string WebAssets::contentType(const std::string& name)
 {
-    if (endsWith(name, ".html"))
-        return "text/html; charset=utf-8";
-    if (endsWith(name, ".js"))
-        return "text/javascript; charset=utf-8";
-    if (endsWith(name, ".css"))
-        return "text/css; charset=utf-8";
-    if (endsWith(name, ".json"))
-        return "application/json";
-    if (endsWith(name, ".svg"))
-        return "image/svg+xml";
-    if (endsWith(name, ".png"))
-        return "image/png";
+    static const std::pair<const char*, const char*> Types[] = {{".html", "text/html; charset=utf-8"},
+        {".js", "text/javascript; charset=utf-8"}, {".css", "text/css; charset=utf-8"},
+        {".json", "application/json"}, {".svg", "image/svg+xml"}, {".png", "image/png"}};
+    for (const auto& [ending, type] : Types) {
+        if (endsWith(name, ending))
+            return type;
+    }
     return "application/octet-stream";
 }
 

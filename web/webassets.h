@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "apimessage.h"
 
@@ -40,7 +41,8 @@ private:
     WebAssets() = default;
     std::optional<std::string> read(const std::string& name) const;
 
-    std::map<std::string, std::string> m_files;
+    // The built-in files, where the program holds them.
+    std::map<std::string, std::string_view> m_files;
     std::string m_directory;
 };
 

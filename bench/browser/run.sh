@@ -27,23 +27,14 @@ while [ $# -gt 0 ]; do
 done
 assets=$bin/../web-ui
 logs=$(mktemp -d /tmp/browser-bench.XXXXXX)
+# shellcheck source=bench/lib.sh
+source "$here/../lib.sh"
 sim_pid=
 web_pid=
 node_pid=
 # A page's whole live run: three loads, the updates, the scroll and the heap samples.
 live_limit=$((heap_minutes * 60 + 240))
 
-stop() {
-    local pid=$1 tries
-    [ -n "$pid" ] || return 0
-    kill "$pid" 2>/dev/null
-    for tries in $(seq 50); do
-        kill -0 "$pid" 2>/dev/null || break
-        sleep 0.1
-    done
-    kill -9 "$pid" 2>/dev/null
-    wait "$pid" 2>/dev/null
-}
 cleanup() {
     # Playwright closes its browser on SIGTERM.
     stop "$node_pid"
@@ -52,26 +43,6 @@ cleanup() {
 }
 trap cleanup EXIT
 trap 'exit 130' INT TERM
-
-fail() {
-    echo "run.sh: $*; logs in $logs" >&2
-    exit 1
-}
-
-# The "listening on ADDR:PORT" line a program prints first, waited for.
-listening_port() {
-    local line
-    for _ in $(seq 100); do
-        line=$(head -n 1 "$1" 2>/dev/null)
-        case $line in *listening\ on*:*)
-            echo "${line##*:}"
-            return 0
-            ;;
-        esac
-        sleep 0.1
-    done
-    return 1
-}
 
 # bench.mjs in the background, so that the trap can end it.
 bench() {

@@ -12,21 +12,12 @@ readings=${READINGS:-60}
 streams=${STREAMS:-500}
 actions=${ACTIONS:-20}
 logs=$(mktemp -d /tmp/web-bench.XXXXXX)
+# shellcheck source=bench/lib.sh
+source "$here/../lib.sh"
 sim_pid=
 load_pid=
 web_pid=
 
-stop() {
-    local pid=$1 tries
-    [ -n "$pid" ] || return 0
-    kill "$pid" 2>/dev/null
-    for tries in $(seq 50); do
-        kill -0 "$pid" 2>/dev/null || break
-        sleep 0.1
-    done
-    kill -9 "$pid" 2>/dev/null
-    wait "$pid" 2>/dev/null
-}
 cleanup() {
     exec 3>&- 2>/dev/null
     stop "$load_pid"
@@ -35,26 +26,6 @@ cleanup() {
 }
 trap cleanup EXIT
 trap 'exit 130' INT TERM
-
-fail() {
-    echo "run.sh: $*; logs in $logs" >&2
-    exit 1
-}
-
-# The "listening on ADDR:PORT" line a program prints first, waited for.
-listening_port() {
-    local line
-    for _ in $(seq 100); do
-        line=$(head -n 1 "$1" 2>/dev/null)
-        case $line in *listening\ on*:*)
-            echo "${line##*:}"
-            return 0
-            ;;
-        esac
-        sleep 0.1
-    done
-    return 1
-}
 
 for program in korvane-sim korvane-web web_load; do
     [ -x "$bin/$program" ] || fail "no $bin/$program; build it first"

@@ -2,18 +2,18 @@
 // on loopback, a counting relay between them, Debian's Chromium driven by
 // Playwright, and clean-up of all of it, also on failure.
 //   node TEST.mjs SOURCE_DIR WEB_PROGRAM SIM_PROGRAM
-import { spawn } from "node:child_process";
+import { execFileSync, spawn } from "node:child_process";
 import { createServer, connect } from "node:net";
 import { createRequire } from "node:module";
-import { mkdtempSync, rmSync, writeFileSync } from "node:fs";
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
-import { join } from "node:path";
+import { dirname, join } from "node:path";
 import { once } from "node:events";
 
 export const [sourceDir, webProgram, simProgram] = process.argv.slice(2);
 const require = createRequire(join(sourceDir, "web/ui/package.json"));
 export const { chromium } = require("playwright-core");
-export const axeSource = require("node:fs").readFileSync(require.resolve("axe-core/axe.min.js"), "utf8");
+export const axeSource = readFileSync(require.resolve("axe-core/axe.min.js"), "utf8");
 
 // "secret", bcrypt, cost 4.
 export const secretHash = "$2b$04$KQfAhZcFLLhYMSJVzjJ1NegSWEEkEwXFZo6FUY/9zPm/mJJQGrAiK";
@@ -137,6 +137,18 @@ export async function until(what, check, ms = 5000) {
         await sleep(50);
     }
     throw new Error(`${what}: not within ${ms} ms (last: ${JSON.stringify(last)})`);
+}
+
+// korvane-ctl of this build against the simulator: its output, or its JSON with json.
+export function ctl(simPort, args, { json = false } = {}) {
+    const output = execFileSync(join(dirname(webProgram), "korvane-ctl"),
+        ["--host", `127.0.0.1:${simPort}`, ...(json ? ["--json"] : []), ...args], { encoding: "utf8" });
+    return json ? JSON.parse(output) : output;
+}
+
+// The second cell (the project or the host) of the grid's row for an id, to click.
+export function cellOf(page, id) {
+    return page.locator(`[role=row]:has([role=gridcell]:text-is("${id}")) [role=gridcell]`).nth(1);
 }
 
 // The texts of the grid's row for an id, by column header.

@@ -2,7 +2,7 @@
 // node's priority, and pauses three batches at once after a confirmation
 // that names all three, with each one's result.
 import { strict as assert } from "node:assert";
-import { firstReading, launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
+import { cellOf, firstReading, launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
 
 await run("page_actions", 90000, async () => {
     const sim = await startSim(["--speed", "0"]);
@@ -17,7 +17,7 @@ await run("page_actions", 90000, async () => {
 
     // One batch, from its menu (right click).
     const [first, ...others] = pending;
-    await page.locator(`[role=row]:has([role=gridcell]:text-is("${first}")) [role=gridcell]`).nth(1).click({ button: "right" });
+    await cellOf(page, first).click({ button: "right" });
     const menu = page.getByRole("menu", { name: `Actions for #${first}` });
     assert.deepEqual(await menu.getByRole("menuitem").allTextContents(),
         ["Details...", "Pause", "Resume", "Abort", "Highest", "High", "Normal", "Low", "Lowest"]);
@@ -27,10 +27,9 @@ await run("page_actions", 90000, async () => {
 
     // Three at once, from the selection's buttons.
     const three = others.slice(0, 3);
-    const cellOf = (id) => page.locator(`[role=row]:has([role=gridcell]:text-is("${id}")) [role=gridcell]`).nth(1);
-    await cellOf(three[0]).click();
-    await cellOf(three[1]).click({ modifiers: ["Control"] });
-    await cellOf(three[2]).click({ modifiers: ["Control"] });
+    await cellOf(page, three[0]).click();
+    await cellOf(page, three[1]).click({ modifiers: ["Control"] });
+    await cellOf(page, three[2]).click({ modifiers: ["Control"] });
     assert.equal(await page.locator(".selection-count").textContent(), "3 selected");
     await page.locator(".action-buttons").getByRole("button", { name: "Pause" }).click();
     const dialog = page.getByRole("dialog");
@@ -48,7 +47,7 @@ await run("page_actions", 90000, async () => {
     await until("node rows", () => rowTexts(page, 3));
     const before = farm.nodes.find((node) => node.node_id === 3).priority;
     const level = before === 1 ? "Highest" : "High";
-    await page.locator(`[role=row]:has([role=gridcell]:text-is("3")) [role=gridcell]`).nth(1).click({ button: "right" });
+    await cellOf(page, 3).click({ button: "right" });
     const nodeMenu = page.getByRole("menu", { name: "Actions for #3" });
     assert.deepEqual(await nodeMenu.getByRole("menuitem").allTextContents(),
         ["Pause", "Resume", "Stop", "Highest", "High", "Normal", "Low", "Lowest"]);

@@ -1,7 +1,7 @@
 // axe-core on every view, light and dark, with a menu and a confirmation
 // open too: no serious or critical violation.
 import { strict as assert } from "node:assert";
-import { axeSource, firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
+import { axeSource, cellOf, firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
 
 async function check(page, what) {
     // evaluate() runs outside the page's Content-Security-Policy, which
@@ -29,9 +29,9 @@ await run("page_axe", 110000, async () => {
         await page.goto(`${base}/batches`);
         await until("rows", () => rowTexts(page, 1));
         await check(page, `batches, ${colorScheme}`);
-        await page.locator(`[role=row]:has([role=gridcell]:text-is("2")) [role=gridcell]`).nth(1).click();
-        await page.locator(`[role=row]:has([role=gridcell]:text-is("3")) [role=gridcell]`).nth(1).click({ modifiers: ["Control"] });
-        await page.locator(`[role=row]:has([role=gridcell]:text-is("3")) [role=gridcell]`).nth(1).click({ button: "right" });
+        await cellOf(page, 2).click();
+        await cellOf(page, 3).click({ modifiers: ["Control"] });
+        await cellOf(page, 3).click({ button: "right" });
         await page.getByRole("menu").waitFor();
         await check(page, `batches with a menu, ${colorScheme}`);
         await page.keyboard.press("Escape");

@@ -1,13 +1,10 @@
 // A batch's details follow the simulator while they are open, and the
 // program stops asking the server for that batch once the view is left or
 // the page is closed (counted between the program and the simulator).
-import { execFileSync } from "node:child_process";
-import { dirname, join } from "node:path";
 import { strict as assert } from "node:assert";
-import { countingRelay, launch, openPage, run, sleep, startSim, startWeb, until, webProgram } from "./harness.mjs";
+import { countingRelay, ctl, launch, openPage, run, sleep, startSim, startWeb, until } from "./harness.mjs";
 
-const ctl = join(dirname(webProgram), "korvane-ctl");
-const simJson = (port, ...args) => JSON.parse(execFileSync(ctl, ["--host", `127.0.0.1:${port}`, "--json", ...args], { encoding: "utf8" }));
+const simJson = (port, ...args) => ctl(port, args, { json: true });
 
 await run("page_details", 90000, async () => {
     const sim = await startSim(["--speed", "4"]);

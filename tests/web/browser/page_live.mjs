@@ -1,15 +1,9 @@
 // A working batch's progress, as the simulator reports it, is on the page
 // within 2 s, again and again; no full reload happens on the way.
-import { execFileSync } from "node:child_process";
-import { dirname, join } from "node:path";
 import { strict as assert } from "node:assert";
-import { launch, openPage, rowTexts, run, startSim, startWeb, until, webProgram } from "./harness.mjs";
+import { ctl, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
 
-const ctl = join(dirname(webProgram), "korvane-ctl");
-
-function simBatches(simPort) {
-    return JSON.parse(execFileSync(ctl, ["--host", `127.0.0.1:${simPort}`, "--json", "batches"], { encoding: "utf8" }));
-}
+const simBatches = (simPort) => ctl(simPort, ["batches"], { json: true });
 
 const simBatch = (simPort, id) => simBatches(simPort).find((batch) => batch.batch_id === id);
 

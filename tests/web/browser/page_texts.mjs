@@ -1,16 +1,12 @@
 // The page's cells read as the desktop's: every batch and node row equals
 // korvane-ctl's table of the same farm (the tool prints the monitor's own
 // cell texts), column by column.
-import { execFileSync } from "node:child_process";
-import { dirname, join } from "node:path";
 import { strict as assert } from "node:assert";
-import { firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until, webProgram } from "./harness.mjs";
-
-const ctl = join(dirname(webProgram), "korvane-ctl");
+import { ctl, firstReading, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
 
 // korvane-ctl's table as rows of header -> text, cut at the headers' columns.
 function table(simPort, command, headers) {
-    const lines = execFileSync(ctl, ["--host", `127.0.0.1:${simPort}`, command], { encoding: "utf8" }).trimEnd().split("\n");
+    const lines = ctl(simPort, [command]).trimEnd().split("\n");
     const starts = headers.map((header) => lines[0].indexOf(header));
     assert.ok(starts.every((start, i) => start >= 0 && (i === 0 || start > starts[i - 1])), lines[0]);
     return lines.slice(1).map((line) => Object.fromEntries(headers.map((header, i) =>

@@ -1,7 +1,7 @@
 // A viewer sees the farm but no control to act on it; a POST forced from
 // the page is refused by the server, and the farm does not change.
 import { strict as assert } from "node:assert";
-import { firstReading, launch, openPage, rowTexts, run, secretHash, snapshot, startSim, startWeb, until, writeFile } from "./harness.mjs";
+import { cellOf, firstReading, launch, openPage, rowTexts, run, secretHash, snapshot, startSim, startWeb, until, writeFile } from "./harness.mjs";
 
 await run("page_viewer", 90000, async () => {
     const config = writeFile("web.yml", `basic_auth_users:\n  alice: ${secretHash}\n  victor: ${secretHash}\n`);
@@ -15,7 +15,7 @@ await run("page_viewer", 90000, async () => {
     await until("batch rows", () => rowTexts(page, pending));
     assert.equal(await page.locator(".user").textContent(), "Signed in as victor (viewer)");
 
-    const cell = page.locator(`[role=row]:has([role=gridcell]:text-is("${pending}")) [role=gridcell]`).nth(1);
+    const cell = cellOf(page, pending);
     await cell.click();
     assert.equal(await page.locator(".selection-count").textContent(), "1 selected");
     assert.equal(await page.locator(".action-buttons").innerHTML(), "");
@@ -25,7 +25,7 @@ await run("page_viewer", 90000, async () => {
     await page.keyboard.press("Escape");
     await page.getByRole("link", { name: "Nodes" }).click();
     await until("node rows", () => rowTexts(page, 1));
-    await page.locator(`[role=row]:has([role=gridcell]:text-is("1")) [role=gridcell]`).nth(1).click({ button: "right" });
+    await cellOf(page, 1).click({ button: "right" });
     assert.equal(await page.getByRole("menu").count(), 0);
 
     const forced = await page.evaluate(async (id) => {

@@ -468,8 +468,7 @@ export class Grid {
         if (!place?.row)
             return;
         event.preventDefault();
-        place.row.children[place.column] instanceof HTMLElement
-            && (place.row.children[place.column] as HTMLElement).focus({ preventScroll: true });
+        (place.row.children[place.column] as HTMLElement | undefined)?.focus({ preventScroll: true });
         this.handlers.menu(this.targets(place.row.rowId), { x: event.clientX, y: event.clientY });
     }
 }

@@ -54,15 +54,12 @@ export class ListModel<Row extends { status: Status }> {
         return this.table.rows.size;
     }
 
-    // After a change of the table: true when the order changed.
-    update(change: TableChange): boolean {
+    // After a change of the table.
+    update(change: TableChange): void {
         // Sorted by id and unfiltered, a change inside rows moves none of them.
         const plain = this.sort.column === 0 && !this.filter.status && !this.filter.text;
-        if (!change.structural && (plain || change.changed.size === 0))
-            return false;
-        const before = this.order;
-        this.rebuild();
-        return before.length !== this.order.length || before.some((id, i) => id !== this.order[i]);
+        if (change.structural || (!plain && change.changed.size > 0))
+            this.rebuild();
     }
 
     private cached(id: number): CachedRow {

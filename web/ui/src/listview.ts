@@ -138,11 +138,8 @@ export class ListView<Row extends { status: Status }> {
         this.grid.update();
         const model = this.config.model;
         setText(this.shown, tr("Web/Shown: %1 of %2", model.order.length, model.total));
-        const filtered = model.total > 0 && model.order.length === 0;
         setText(this.empty, model.total === 0 ? this.config.emptyText : this.config.unmatchedText);
         setHidden(this.empty, model.order.length > 0);
-        if (filtered)
-            setHidden(this.empty, false);
     }
 
     private setQuery(query: ListQuery): void {

@@ -48,6 +48,8 @@ const summary = new Summary();
 let farm: Farm = { state: "connected", since: 0 };
 let streamDownSince: number | null = null;
 let lastEventTime = Date.now();
+// Milliseconds between the program's readings, as its reading events say.
+let interval = 1000;
 let route: Route = parseRoute(location, Keys);
 let who: WhoAmI = { user: null, role: "viewer" };
 
@@ -144,7 +146,8 @@ const stream = new EventStream({
             break;
         case "reading": {
             const reading = data as Reading;
-            stream.setQuietLimit(2 * reading.interval + 6000);
+            interval = reading.interval;
+            stream.setQuietLimit(quietLimit());
             summary.reading(reading.time);
             break;
         }
@@ -155,8 +158,6 @@ const stream = new EventStream({
     },
     link: (up) => {
         streamDownSince = up ? null : lastEventTime;
-        if (!up)
-            stream.setQuietLimit(20000);
         updateStaleness();
     },
 });
@@ -166,8 +167,14 @@ function updateStaleness(): void {
     if (farm.state === "disconnected")
         since = Math.min(since ?? Infinity, farm.since * 1000);
     summary.setStale(since);
-    if (farm.state === "disconnected")
-        stream.setQuietLimit(20000);
+    stream.setQuietLimit(quietLimit());
+}
+
+// How long the stream may be silent before it counts as broken: two
+// readings and the server's time-out while the farm is read; beyond the
+// server's 15 s heartbeat while it is not, or while the stream is coming back.
+function quietLimit(): number {
+    return farm.state === "disconnected" || streamDownSince !== null ? 20000 : 2 * interval + 6000;
 }
 
 function newDay(): void {
@@ -207,15 +214,18 @@ function applyDelta(delta: Delta): void {
         detailsView.setMissing(!batches.rows.has(route.id));
 }
 
+function markCurrent(link: HTMLAnchorElement, current: boolean): void {
+    if (current)
+        link.setAttribute("aria-current", "page");
+    else
+        link.removeAttribute("aria-current");
+}
+
 function show(next: Route, moveFocus: boolean): void {
     closeMenu();
     route = next;
-    batchesLink.toggleAttribute("aria-current", next.view === "batches" || next.view === "details");
-    nodesLink.toggleAttribute("aria-current", next.view === "nodes");
-    if (batchesLink.hasAttribute("aria-current"))
-        batchesLink.setAttribute("aria-current", "page");
-    if (nodesLink.hasAttribute("aria-current"))
-        nodesLink.setAttribute("aria-current", "page");
+    markCurrent(batchesLink, next.view !== "nodes");
+    markCurrent(nodesLink, next.view === "nodes");
     if (next.view === "details") {
         detailsView.show(next.id);
         detailsView.setMissing(batches.rows.size > 0 && !batches.rows.has(next.id));

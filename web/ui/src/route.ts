@@ -24,7 +24,7 @@ export function parseRoute(location: { pathname: string; search: string }, colum
         query: {
             status: (params.get("status") ?? "").toLowerCase(),
             text: params.get("q") ?? "",
-            sort: { column, descending: column === 0 && !sortParam ? false : descending },
+            sort: { column, descending },
         },
     };
 }
