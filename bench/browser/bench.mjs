@@ -85,6 +85,14 @@ function mainThread(events) {
     return best;
 }
 
+// The page's own worker (the one that reads the stream), if it has one.
+function workerThread(events, main) {
+    const pid = main.split(":")[0];
+    const event = events.find((e) => e.name === "thread_name" && String(e.pid) === pid
+        && e.args.name === "DedicatedWorker thread");
+    return event ? `${event.pid}:${event.tid}` : null;
+}
+
 // The main thread's top-level tasks, in milliseconds on the trace's clock.
 function mainTasks(events, thread) {
     const tasks = events
@@ -114,12 +122,13 @@ function unionLength(intervals) {
     return total;
 }
 
-// Data of the event stream arriving on the main thread, grouped: one group
-// for each burst of the server's writes (a delta and the reading after it).
-// Groups smaller than minBytes (a reading, a heartbeat) join the one before.
+// Data of the event stream arriving in the page's process (on the main
+// thread, or on a worker that reads the stream), grouped: one group for each
+// burst of the server's writes (a delta and the reading after it). Groups
+// smaller than minBytes (a reading, a heartbeat) join the one before.
 function arrivals(events, thread, minBytes) {
-    const received = events.filter((event) => event.name === "ResourceReceivedData"
-        && `${event.pid}:${event.tid}` === thread);
+    const pid = thread.split(":")[0];
+    const received = events.filter((event) => event.name === "ResourceReceivedData" && String(event.pid) === pid);
     const perRequest = new Map();
     for (const event of received) {
         const id = event.args.data.requestId;
@@ -154,6 +163,8 @@ function arrivals(events, thread, minBytes) {
 function updateCosts(events, until) {
     const thread = mainThread(events);
     const tasks = mainTasks(events, thread);
+    const worker = workerThread(events, thread);
+    const workerTasks = worker ? mainTasks(events, worker) : [];
     const groups = arrivals(events, thread, 1024);
     const rendering = events.filter((event) => RenderingEvents.has(event.name) && event.ph === "X"
         && `${event.pid}:${event.tid}` === thread)
@@ -173,6 +184,8 @@ function updateCosts(events, until) {
         updates.push({
             bytes: groups[i].bytes,
             total,
+            worker: workerTasks.filter((task) => task.end >= groups[i].at && task.start < to)
+                .reduce((sum, task) => sum + task.dur, 0),
             longest: Math.max(0, ...inside.map((task) => task.dur)),
             rendering: unionLength(rendering.filter((event) => event.start >= from && event.start < to)),
             // Still working when the next update came, or busy all along:
@@ -207,11 +220,48 @@ async function loadList(page, url, capMs) {
     return handle.jsonValue();
 }
 
-async function heapSample(cdp, origin) {
+// The page's workers, each as a function that sends it a DevTools command:
+// their heaps count with the page's.
+async function workers(cdp) {
+    const found = [];
+    const pending = new Map();
+    let next = 0;
+    cdp.on("Target.attachedToTarget", ({ sessionId, targetInfo }) => {
+        if (targetInfo.type !== "worker")
+            return;
+        found.push((method, params = {}) => new Promise((resolve, reject) => {
+            const id = ++next;
+            pending.set(id, { resolve, reject });
+            cdp.send("Target.sendMessageToTarget", { sessionId, message: JSON.stringify({ id, method, params }) })
+                .catch(reject);
+        }));
+    });
+    cdp.on("Target.receivedMessageFromTarget", ({ message }) => {
+        const reply = JSON.parse(message);
+        const waiting = pending.get(reply.id);
+        if (!waiting)
+            return;
+        pending.delete(reply.id);
+        if (reply.error)
+            waiting.reject(new Error(reply.error.message));
+        else
+            waiting.resolve(reply.result);
+    });
+    await cdp.send("Target.setAutoAttach", { autoAttach: true, waitForDebuggerOnStart: false, flatten: false });
+    await sleep(500);
+    return found;
+}
+
+async function heapSample(cdp, pageWorkers, origin) {
     await cdp.send("HeapProfiler.collectGarbage");
     const { usedSize } = await cdp.send("Runtime.getHeapUsage");
+    let worker = 0;
+    for (const send of pageWorkers) {
+        await send("HeapProfiler.collectGarbage");
+        worker += (await send("Runtime.getHeapUsage")).usedSize;
+    }
     const { nodes } = await cdp.send("Memory.getDOMCounters");
-    return { at: (Date.now() - origin) / 1000, used: usedSize, nodes };
+    return { at: (Date.now() - origin) / 1000, used: usedSize + worker, page: usedSize, worker, nodes };
 }
 
 // Scrolls the list's frame from top to bottom, one step per animation frame.
@@ -260,26 +310,27 @@ async function live(url, out, named) {
         delete result.page;
         const origin = Date.now();
         const cdp = await page.context().newCDPSession(page);
+        const pageWorkers = await workers(cdp);
         await sleep(2000);
-        result.heap.push(await heapSample(cdp, origin));
+        result.heap.push(await heapSample(cdp, pageWorkers, origin));
 
         // Updates as they come, nothing else happening.
         const { events } = await traced(browser, page, () => sleep((wantedUpdates + 1.5) * 1000));
         const updates = updateCosts(events).slice(0, wantedUpdates);
         result.updates = updates;
-        result.heap.push(await heapSample(cdp, origin));
+        result.heap.push(await heapSample(cdp, pageWorkers, origin));
 
         // The whole list scrolled while the updates keep coming.
         const scroll = await traced(browser, page, () => scrollThrough(page, 320, 60000));
         result.scroll = { ...scroll.result, ...longTasks(scroll.events) };
-        result.heap.push(await heapSample(cdp, origin));
+        result.heap.push(await heapSample(cdp, pageWorkers, origin));
 
         for (let mark = 30; mark <= heapMinutes * 60; mark += 30) {
             const wait = origin + mark * 1000 - Date.now();
             if (wait < 0)
                 continue;
             await sleep(wait);
-            result.heap.push(await heapSample(cdp, origin));
+            result.heap.push(await heapSample(cdp, pageWorkers, origin));
         }
     } finally {
         await browser.close();
@@ -490,6 +541,10 @@ function table(files) {
             + ` / ${capped(run.updates, (v) => Math.max(...v))} (${run.updates.length} updates)`);
     row("of which style, layout and paint, p50", "", (run) => !run?.updates ? "–"
         : ms(percentile(run.updates.map((update) => update.rendering), 50)));
+    row("the stream worker's time an update, p50 / p95", "", (run) => !run?.updates ? "–"
+        : run.updates.every((update) => !update.worker) ? "no worker"
+            : `${ms(percentile(run.updates.map((update) => update.worker), 50))}`
+                + ` / ${ms(percentile(run.updates.map((update) => update.worker), 95))}`);
     row("an update's longest task, p95", "", (run) => !run?.updates ? "–"
         : ms(percentile(run.updates.map((update) => update.longest), 95)));
     row("an update's bytes, median", "", (run) => !run?.updates ? "–"
@@ -505,11 +560,16 @@ function table(files) {
         return `${mb(used[0])} / ${mb(used[used.length - 1])} / ${mb(Math.max(...used))}`
             + ` (${run.heap.length} samples over ${run.heap[run.heap.length - 1].at.toFixed(0)} s)`;
     });
+    row("of which the stream worker's: start / end", "", (run) => !run?.heap?.length ? "–"
+        : !run.heap[0].worker ? "no worker" : `${mb(run.heap[0].worker)} / ${mb(run.heap[run.heap.length - 1].worker)}`);
     row("DOM nodes: start / end", "", (run) => !run?.heap?.length ? "–"
         : `${run.heap[0].nodes} / ${run.heap[run.heap.length - 1].nodes}`);
     row("10,000 batches changed in one delta, median (of N; max)", "", (_, run) => !run?.updates?.length ? "–"
         : `${capped(run.updates, (v) => percentile(v, 50))} (${run.updates.length}; `
             + `${capped(run.updates, (v) => Math.max(...v))})`);
+    row("of which the stream worker's, median", "", (_, run) => !run?.updates?.length ? "–"
+        : run.updates.every((update) => !update.worker) ? "no worker"
+            : ms(percentile(run.updates.map((update) => update.worker), 50)));
     row("of which style, layout and paint, median", "", (_, run) => !run?.updates?.length ? "–"
         : ms(percentile(run.updates.map((update) => update.rendering), 50)));
     const header = ["figure", ...labels, "target"];

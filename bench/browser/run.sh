@@ -85,6 +85,11 @@ for page in real naive; do
     echo "$page page: korvane-web --interval 1 on :$web_port"
     bench "$live_limit" "live-$page" live "http://127.0.0.1:$web_port/" "$logs/live-$page.json" \
         --label "$page" --heap-minutes "$heap_minutes"
+    # The nodes list, where every working node's row changes each reading.
+    if [ "$page" = real ]; then
+        bench "$live_limit" live-real-nodes live "http://127.0.0.1:$web_port/nodes" "$logs/live-real-nodes.json" \
+            --label "real, nodes list" --heap-minutes 0
+    fi
     stop "$web_pid"
     web_pid=
 done
@@ -95,6 +100,6 @@ echo "synthetic farm: 10,000 batches, 2,000 nodes, five deltas each changing eve
 bench 180 burst-real burst "$assets" "$logs/burst-real.json" --label real
 bench 180 burst-naive burst "$here/naive" "$logs/burst-naive.json" --label naive
 
-node "$here/bench.mjs" table "$logs/live-real.json" "$logs/live-naive.json" "$logs/burst-real.json" \
+node "$here/bench.mjs" table "$logs/live-real.json" "$logs/live-real-nodes.json" "$logs/live-naive.json" "$logs/burst-real.json" \
     "$logs/burst-naive.json" || fail "no table"
 echo "logs: $logs"

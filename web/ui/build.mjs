@@ -1,5 +1,6 @@
-// Builds the page into OUT: index.html, assets/app.js and assets/app.css.
-//   node build.mjs OUT [--minify]
+// Builds the page into OUT: index.html, assets/app.js (the page),
+// assets/feed.js (its stream worker) and assets/app.css.
+//   node build.mjs OUT
 import { build } from "esbuild";
 import { copyFileSync, mkdirSync } from "node:fs";
 import { dirname, join } from "node:path";
@@ -20,6 +21,16 @@ await build({
     minify: true,
     legalComments: "none",
     outfile: join(out, "assets/app.js"),
+    logLevel: "warning",
+});
+await build({
+    entryPoints: [join(here, "src/feedworker.ts")],
+    bundle: true,
+    format: "iife",
+    target: ["chrome100", "firefox100", "safari15"],
+    minify: true,
+    legalComments: "none",
+    outfile: join(out, "assets/feed.js"),
     logLevel: "warning",
 });
 await build({

@@ -1,5 +1,6 @@
 // The page a browser loads, gzip-compressed, stays within 100 KB: the
-// script, the style sheet, the page and the largest catalogue.
+// script and its stream worker, the style sheet, the page and the largest
+// catalogue.
 //   node bundle_size.mjs WEB_UI_DIR
 import { readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
@@ -9,6 +10,7 @@ import { strict as assert } from "node:assert";
 const dir = process.argv[2];
 const gzipped = (path) => gzipSync(readFileSync(join(dir, path)), { level: 9 }).length;
 const parts = { "index.html": gzipped("index.html"), "assets/app.js": gzipped("assets/app.js"),
+    "assets/feed.js": gzipped("assets/feed.js"),
     "assets/app.css": gzipped("assets/app.css") };
 const catalogues = readdirSync(join(dir, "assets/lang")).map((name) => [`assets/lang/${name}`, gzipped(`assets/lang/${name}`)]);
 assert.equal(catalogues.length, 7);

@@ -1,7 +1,10 @@
 // A working batch's progress, as the simulator reports it, is on the page
-// within 2 s, again and again; no full reload happens on the way.
+// within 2 s, again and again; no full reload happens on the way. The list
+// out of sight is as current as the one in sight the moment it is shown:
+// a node paused while the batches were shown is "Paused" on the nodes list,
+// and a batch paused while the nodes were shown is "Paused" on the way back.
 import { strict as assert } from "node:assert";
-import { ctl, launch, openPage, rowTexts, run, startSim, startWeb, until } from "./harness.mjs";
+import { ctl, launch, openPage, rowTexts, run, snapshot, startSim, startWeb, until } from "./harness.mjs";
 
 const simBatches = (simPort) => ctl(simPort, ["batches"], { json: true });
 
@@ -28,5 +31,30 @@ await run("page_live", 90000, async () => {
         console.log(`round ${round}: ${progress.toFixed(1)} % at the simulator, "${cell}" on the page after ${Date.now() - seenAt} ms`);
         await new Promise((resolve) => setTimeout(resolve, 700));
     }
+
+    const nodeId = ctl(sim.port, ["nodes"], { json: true }).find((node) => node.status === "inprogress").node_id;
+    ctl(sim.port, ["pause-node", String(nodeId)]);
+    await until("the node paused in the program's reading", async () => {
+        const farm = await snapshot(web.port);
+        return farm.nodes.find((node) => node.node_id === nodeId)?.status === "paused";
+    });
+    await page.getByRole("link", { name: "Nodes" }).click();
+    const nodeStatus = await until(`node #${nodeId} paused on the nodes list`, async () => {
+        const status = (await rowTexts(page, nodeId))?.["Status"];
+        return status === "Paused" ? status : null;
+    }, 1000);
+    assert.equal(nodeStatus, "Paused");
+
+    ctl(sim.port, ["pause-batch", String(id)]);
+    await until("the batch paused in the program's reading", async () => {
+        const farm = await snapshot(web.port);
+        return farm.batches.find((batch) => batch.batch_id === id)?.status === "paused";
+    });
+    await page.getByRole("link", { name: "Batches" }).click();
+    const batchStatus = await until(`batch #${id} paused on the batch list`, async () => {
+        const status = (await rowTexts(page, id))?.["Status"];
+        return status === "Paused" ? status : null;
+    }, 1000);
+    assert.equal(batchStatus, "Paused");
     assert.equal(await page.evaluate(() => window.sameDocument), true);
 });

@@ -49,9 +49,9 @@ export class EventStream {
     }
 
     private armQuietTimer(): void {
-        window.clearTimeout(this.quietTimer);
+        self.clearTimeout(this.quietTimer);
         if (this.running)
-            this.quietTimer = window.setTimeout(() => this.controller?.abort(), this.quietLimit);
+            this.quietTimer = self.setTimeout(() => this.controller?.abort(), this.quietLimit);
     }
 
     private setUp(up: boolean): void {
@@ -70,13 +70,13 @@ export class EventStream {
             } catch {
                 // a refused, broken or quiet stream: counted below
             }
-            window.clearTimeout(this.quietTimer);
+            self.clearTimeout(this.quietTimer);
             if (generation !== this.generation)
                 return;
             this.setUp(false);
             const wait = BackoffSeconds[Math.min(this.attempts, BackoffSeconds.length - 1)] as number;
             this.attempts += 1;
-            await new Promise((resolve) => window.setTimeout(resolve, wait * 1000));
+            await new Promise((resolve) => self.setTimeout(resolve, wait * 1000));
         }
     }
 

@@ -23,9 +23,12 @@ export interface GridHandlers {
     selectionChanged(): void;
 }
 
+// What the row's element shows, kept beside it: reading the DOM back costs more.
 interface RowElement extends HTMLDivElement {
     rowId: number;
     version: number;
+    index: number;
+    selected: boolean | null;
     texts: string[];
 }
 
@@ -49,6 +52,8 @@ export class Grid {
     private measuredEpoch = -1;
     private frameHeight = 600;
     private scheduled = false;
+    // The one cell in the tab order.
+    private tabStop: HTMLElement;
 
     constructor(
         private readonly columns: GridColumn[],
@@ -88,7 +93,8 @@ export class Grid {
         this.body.setAttribute("role", "rowgroup");
         this.element.append(this.head, this.body);
         this.frame.append(this.element);
-        this.headerCells[0]!.tabIndex = 0;
+        this.tabStop = this.headerCells[0]!;
+        this.tabStop.tabIndex = 0;
 
         this.frame.addEventListener("scroll", () => this.schedule(), { passive: true });
         this.element.addEventListener("keydown", (event) => this.key(event));
@@ -219,15 +225,16 @@ export class Grid {
             this.rows.set(id, row);
             this.body.append(row);
         }
-        const top = `${index * RowHeight}px`;
-        if (row.style.top !== top)
-            row.style.top = top;
-        const rowIndex = String(index + 2);
-        if (row.getAttribute("aria-rowindex") !== rowIndex)
-            row.setAttribute("aria-rowindex", rowIndex);
-        const selected = this.selection.has(id) ? "true" : "false";
-        if (row.getAttribute("aria-selected") !== selected)
-            row.setAttribute("aria-selected", selected);
+        if (row.index !== index) {
+            row.index = index;
+            row.style.top = `${index * RowHeight}px`;
+            row.setAttribute("aria-rowindex", String(index + 2));
+        }
+        const selected = this.selection.has(id);
+        if (row.selected !== selected) {
+            row.selected = selected;
+            row.setAttribute("aria-selected", selected ? "true" : "false");
+        }
         const version = this.source.version(id) * 1000 + this.textsEpoch;
         if (row.version === version)
             return;
@@ -246,6 +253,8 @@ export class Grid {
         const row = document.createElement("div") as RowElement;
         row.className = "grid-row";
         row.setAttribute("role", "row");
+        row.index = -1;
+        row.selected = null;
         row.texts = [];
         for (let column = 0; column < this.columns.length; ++column) {
             const cell = document.createElement("div");
@@ -268,14 +277,13 @@ export class Grid {
     // One cell of the grid is in the tab order: the active one.
     private markActive(focus: boolean): void {
         const cell = this.activeCell();
-        const current = this.element.querySelectorAll<HTMLElement>('[tabindex="0"]');
-        current.forEach((element) => {
-            if (element !== cell)
-                element.tabIndex = -1;
-        });
         if (!cell)
             return;
-        cell.tabIndex = 0;
+        if (cell !== this.tabStop) {
+            this.tabStop.tabIndex = -1;
+            cell.tabIndex = 0;
+            this.tabStop = cell;
+        }
         if (focus && document.activeElement !== cell)
             cell.focus({ preventScroll: true });
     }

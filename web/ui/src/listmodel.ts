@@ -18,7 +18,8 @@ export interface ListFilter {
 interface CachedRow {
     version: number;
     cells: string[];
-    folded: string;
+    // The cells in lower case for the text filter, made when it first asks.
+    folded: string | null;
 }
 
 export class ListModel<Row extends { status: Status }> {
@@ -68,10 +69,16 @@ export class ListModel<Row extends { status: Status }> {
         if (!entry || entry.version !== version) {
             const row = this.table.rows.get(id);
             const cells = row ? this.cellsOf(row) : [];
-            entry = { version, cells, folded: cells.join("\u0001").toLowerCase() };
+            entry = { version, cells, folded: null };
             this.cache.set(id, entry);
         }
         return entry;
+    }
+
+    private folded(id: number): string {
+        const entry = this.cached(id);
+        entry.folded ??= entry.cells.join("\u0001").toLowerCase();
+        return entry.folded;
     }
 
     private rebuild(): void {
@@ -80,7 +87,7 @@ export class ListModel<Row extends { status: Status }> {
         for (const [id, row] of this.table.rows) {
             if (status && this.statusOf(row).toLowerCase() !== status)
                 continue;
-            if (text && !this.cached(id).folded.includes(text))
+            if (text && !this.folded(id).includes(text))
                 continue;
             ids.push(id);
         }

@@ -10,10 +10,11 @@ import { ListModel } from "./listmodel";
 import { ListView } from "./listview";
 import { closeMenu } from "./menu";
 import { listAddress, parseRoute, type Route } from "./route";
-import { EventStream } from "./eventstream";
+import { FarmFeed } from "./farmfeed";
+import type { ListUpdate } from "./feedmessages";
 import { RowTable } from "./rowtable";
 import { Summary } from "./summary";
-import type { Batch, BatchStatus, Delta, Farm, FarmNode, Reading, Snapshot, WhoAmI } from "./types";
+import type { Batch, Farm, FarmNode, Status, WhoAmI } from "./types";
 
 const BatchKeys = ["id", "project", "started", "status", "priority", "task", "times", "failures", "nodes"] as const;
 const NodeKeys = ["id", "host", "status", "priority", "batch", "progress", "failures", "error"] as const;
@@ -47,7 +48,6 @@ const nodeModel = new ListModel<FarmNode>(nodes, (row) => nodeCells(row, today),
 const summary = new Summary();
 let farm: Farm = { state: "connected", since: 0 };
 let streamDownSince: number | null = null;
-let lastEventTime = Date.now();
 // Milliseconds between the program's readings, as its reading events say.
 let interval = 1000;
 let route: Route = parseRoute(location, Keys);
@@ -129,37 +129,30 @@ function retranslate(): void {
     detailsView.render();
 }
 
-const stream = new EventStream({
-    event: (event) => {
-        lastEventTime = Date.now();
-        const data: unknown = JSON.parse(event.data);
-        switch (event.type) {
-        case "snapshot":
-            applySnapshot(data as Snapshot);
-            break;
-        case "delta":
-            applyDelta(data as Delta);
-            break;
-        case "farm":
-            farm = data as Farm;
-            updateStaleness();
-            break;
-        case "reading": {
-            const reading = data as Reading;
-            interval = reading.interval;
-            stream.setQuietLimit(quietLimit());
-            summary.reading(reading.time);
-            break;
+const feed = new FarmFeed("/assets/feed.js", (message) => {
+    switch (message.kind) {
+    case "update":
+        applyRows(message.batches, message.nodes);
+        if (message.counts)
+            summary.counts(message.counts.batches, message.counts.nodes);
+        if (message.reading) {
+            interval = message.reading.interval;
+            feed.setQuietLimit(quietLimit());
+            summary.reading(message.reading.time);
         }
-        case "batch":
-            detailsView.update(data as BatchStatus);
-            break;
-        }
-    },
-    link: (up) => {
-        streamDownSince = up ? null : lastEventTime;
+        break;
+    case "farm":
+        farm = message.farm;
         updateStaleness();
-    },
+        break;
+    case "batch":
+        detailsView.update(message.status);
+        break;
+    case "link":
+        streamDownSince = message.up ? null : message.lastEvent;
+        updateStaleness();
+        break;
+    }
 });
 
 function updateStaleness(): void {
@@ -167,7 +160,7 @@ function updateStaleness(): void {
     if (farm.state === "disconnected")
         since = Math.min(since ?? Infinity, farm.since * 1000);
     summary.setStale(since);
-    stream.setQuietLimit(quietLimit());
+    feed.setQuietLimit(quietLimit());
 }
 
 // How long the stream may be silent before it counts as broken: two
@@ -185,31 +178,23 @@ function newDay(): void {
     }
 }
 
-function applySnapshot(snapshot: Snapshot): void {
-    newDay();
-    farm = snapshot.farm;
-    batchView.tableChanged(batches.reset(snapshot.batches));
-    nodeView.tableChanged(nodes.reset(snapshot.nodes));
-    summary.counts(batches.statusCounts, nodes.statusCounts);
-    if (route.view === "details")
-        detailsView.setMissing(!batches.rows.has(route.id));
-    updateStaleness();
+function applyList<Row extends { status: Status }>(table: RowTable<Row>, model: ListModel<Row>,
+    view: ListView<Row>, update: ListUpdate<Row> | null, drawn: boolean): void {
+    if (!update)
+        return;
+    const change = "reset" in update ? table.reset(update.reset) : table.apply(update.changes);
+    if (drawn)
+        view.tableChanged(change);
+    else
+        model.update(change);
 }
 
-function applyDelta(delta: Delta): void {
+// Only the list in sight comes (the batches also for a batch's details);
+// the other is sent whole when it is shown.
+function applyRows(batchUpdate: ListUpdate<Batch> | null, nodeUpdate: ListUpdate<FarmNode> | null): void {
     newDay();
-    const batchChange = batches.apply(delta.batches);
-    const nodeChange = nodes.apply(delta.nodes);
-    // Only the view in sight draws; the other catches up when shown.
-    if (route.view === "batches")
-        batchView.tableChanged(batchChange);
-    else
-        batchModel.update(batchChange);
-    if (route.view === "nodes")
-        nodeView.tableChanged(nodeChange);
-    else
-        nodeModel.update(nodeChange);
-    summary.counts(batches.statusCounts, nodes.statusCounts);
+    applyList(batches, batchModel, batchView, batchUpdate, route.view === "batches");
+    applyList(nodes, nodeModel, nodeView, nodeUpdate, route.view === "nodes");
     if (route.view === "details")
         detailsView.setMissing(!batches.rows.has(route.id));
 }
@@ -230,7 +215,7 @@ function show(next: Route, moveFocus: boolean): void {
         detailsView.show(next.id);
         detailsView.setMissing(batches.rows.size > 0 && !batches.rows.has(next.id));
         main.replaceChildren(detailsView.root);
-        stream.follow(next.id);
+        feed.show("batches", next.id);
         // The first status comes now; the stream brings the changes.
         void batchStatus(next.id).then((status) => detailsView.update(status), () => undefined);
         if (moveFocus)
@@ -239,7 +224,7 @@ function show(next: Route, moveFocus: boolean): void {
         const view = next.view === "batches" ? batchView : nodeView;
         main.replaceChildren(view.root);
         view.applyQuery(next.query);
-        stream.follow(null);
+        feed.show(next.view, null);
         if (moveFocus)
             view.focusGrid();
     }
