@@ -13,26 +13,19 @@ if (!out) {
     process.exit(2);
 }
 mkdirSync(join(out, "assets"), { recursive: true });
-await build({
-    entryPoints: [join(here, "src/main.ts")],
+// A script of the page: the page's own as a module, the worker's as a plain script.
+const script = (entry, name, format) => build({
+    entryPoints: [join(here, entry)],
     bundle: true,
-    format: "esm",
+    format,
     target: ["chrome100", "firefox100", "safari15"],
     minify: true,
     legalComments: "none",
-    outfile: join(out, "assets/app.js"),
+    outfile: join(out, "assets", name),
     logLevel: "warning",
 });
-await build({
-    entryPoints: [join(here, "src/feedworker.ts")],
-    bundle: true,
-    format: "iife",
-    target: ["chrome100", "firefox100", "safari15"],
-    minify: true,
-    legalComments: "none",
-    outfile: join(out, "assets/feed.js"),
-    logLevel: "warning",
-});
+await script("src/main.ts", "app.js", "esm");
+await script("src/feedworker.ts", "feed.js", "iife");
 await build({
     entryPoints: [join(here, "style.css")],
     bundle: true,

@@ -32,29 +32,23 @@ await run("page_live", 90000, async () => {
         await new Promise((resolve) => setTimeout(resolve, 700));
     }
 
+    // Pauses a row while its list is out of sight, waits for the program to
+    // have read it, then shows the list: the row is "Paused" within 1 s.
+    const pausedOutOfSight = async (list, rowId, command, link) => {
+        ctl(sim.port, [command, String(rowId)]);
+        await until(`#${rowId} paused in the program's reading`, async () => {
+            const farm = await snapshot(web.port);
+            const idOf = (row) => (list === "nodes" ? row.node_id : row.batch_id);
+            return farm[list].find((row) => idOf(row) === rowId)?.status === "paused";
+        });
+        await page.getByRole("link", { name: link }).click();
+        return until(`#${rowId} paused on the ${list} list`, async () => {
+            const status = (await rowTexts(page, rowId))?.["Status"];
+            return status === "Paused" ? status : null;
+        }, 1000);
+    };
     const nodeId = ctl(sim.port, ["nodes"], { json: true }).find((node) => node.status === "inprogress").node_id;
-    ctl(sim.port, ["pause-node", String(nodeId)]);
-    await until("the node paused in the program's reading", async () => {
-        const farm = await snapshot(web.port);
-        return farm.nodes.find((node) => node.node_id === nodeId)?.status === "paused";
-    });
-    await page.getByRole("link", { name: "Nodes" }).click();
-    const nodeStatus = await until(`node #${nodeId} paused on the nodes list`, async () => {
-        const status = (await rowTexts(page, nodeId))?.["Status"];
-        return status === "Paused" ? status : null;
-    }, 1000);
-    assert.equal(nodeStatus, "Paused");
-
-    ctl(sim.port, ["pause-batch", String(id)]);
-    await until("the batch paused in the program's reading", async () => {
-        const farm = await snapshot(web.port);
-        return farm.batches.find((batch) => batch.batch_id === id)?.status === "paused";
-    });
-    await page.getByRole("link", { name: "Batches" }).click();
-    const batchStatus = await until(`batch #${id} paused on the batch list`, async () => {
-        const status = (await rowTexts(page, id))?.["Status"];
-        return status === "Paused" ? status : null;
-    }, 1000);
-    assert.equal(batchStatus, "Paused");
+    assert.equal(await pausedOutOfSight("nodes", nodeId, "pause-node", "Nodes"), "Paused");
+    assert.equal(await pausedOutOfSight("batches", id, "pause-batch", "Batches"), "Paused");
     assert.equal(await page.evaluate(() => window.sameDocument), true);
 });
